@@ -1,0 +1,50 @@
+#pragma once
+// The texts of a geometry table, as they stand in its file.
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace norvane {
+
+/// One buffer with the bytes of the file and the place of each row in it; a column is found by walking its row, since
+/// everything that reads the table goes through it row by row. Rows and columns are numbered from 1.
+class CellTextTable {
+public:
+    CellTextTable() = default;
+
+    /// Takes the bytes of a text file and finds its rows. A row ends at CR LF, CR or LF; the last may lack its end.
+    explicit CellTextTable(std::string bytes);
+
+    std::int64_t rowCount() const { return static_cast<std::int64_t>(rows_.size()); }
+    std::string_view row(std::int64_t row) const;
+
+    /// The text in a column, of a table with `columns` columns: the last column takes the whole rest of the row, tabs
+    /// included. A row that is too short, and a place outside the table, give an empty text.
+    std::string_view text(std::int64_t column, std::int64_t row, std::int64_t columns) const;
+
+private:
+    struct Span {
+        std::size_t begin;
+        std::size_t length;
+    };
+    std::string bytes_;
+    std::vector<Span> rows_;
+};
+
+/// Walks the columns of one row from left to right, in the manner of CellTextTable::text.
+class RowWalker {
+public:
+    RowWalker(std::string_view row, std::int64_t columns) : rest_(row), left_(columns) {}
+
+    /// The text of the next column; empty behind the end of the row.
+    std::string_view next();
+
+private:
+    std::string_view rest_;
+    std::int64_t left_;
+};
+
+} // namespace norvane

@@ -1,0 +1,45 @@
+#include "core/checkstop.h"
+
+#include "core/number_text.h"
+#include "platform/files.h"
+
+#include <algorithm>
+#include <string>
+
+namespace norvane {
+
+namespace {
+
+constexpr const char* stopFileName = "checkstop";
+
+int readStopValue() {
+    std::string content;
+    if (!readFile(stopFileName, content)) return 0;
+    const std::size_t begin = content.find_first_not_of(" \t\r\n");
+    if (begin == std::string::npos) return 0;
+    const std::size_t end = std::min(content.find_first_of(" \t\r\n,", begin), content.size());
+    const std::string item = content.substr(begin, end - begin);
+    std::size_t length = 0;
+    const double value = numericPrefix(item, length);
+    return length == item.size() ? toInt16(value) : 0;
+}
+
+} // namespace
+
+void clearCheckstop(SimState& sim, const Interface& ui) {
+    const FileResult written = writeFile(stopFileName, " 0 \r\n");
+    if (written || sim.told.stopFile) return;
+    sim.told.stopFile = true;
+    ui.showMessage("The file checkstop can't be written: " + written.reason +
+                   ".\r\nThe run goes on, but an outside process can't stop it through that file.");
+}
+
+void pollCheckstop(SimState& sim, Interface& ui, const RunOperations& operations) {
+    if (readStopValue() != 1) return;
+    if (operations.showExitQuestion) operations.showExitQuestion(sim, ui);
+    sim.stopFlag = 1;
+    sim.outcome.stopFile = true;
+    clearCheckstop(sim, ui);
+}
+
+} // namespace norvane

@@ -1,0 +1,87 @@
+#include "core/sim_state.h"
+
+#include <new>
+#include <stdexcept>
+
+namespace norvane {
+
+namespace {
+
+void allocateArrays(SimState& sim) {
+    const std::int64_t cells = sim.nCells;
+    const std::int64_t dims = sim.nDim;
+
+    sim.cellStride.allocate(1, dims + 1);
+    sim.cellSize.allocate(cells, 1, dims);
+    sim.cellHeight.allocate(0, cells);
+    sim.cellPos.allocate(cells, 1, dims);
+    sim.cellVolume.allocate(0, cells);
+    sim.inverseSize.allocate(cells, 1, dims);
+    sim.faceArea.allocate(cells, 1, dims);
+
+    sim.heatCapacity.allocate(0, cells);
+    sim.conductivity.allocate(0, cells);
+    sim.viscosity.allocate(0, cells);
+    sim.conductionCoef.allocate(cells, 1, dims);
+    sim.viscousCoef.allocate(cells, 1, dims);
+    sim.friction.allocate(0, cells);
+    sim.gravity.allocate(0, dims);
+
+    sim.stageSpecies.allocate(cells, 0, sim.nsMax);
+    sim.stageEnergy.allocate(cells, 0, 0);
+    sim.stageMomentum.allocate(cells, 1, dims);
+
+    sim.cellMass.allocate(0, cells);
+    sim.density.allocate(0, cells);
+    sim.concentration.allocate(cells, 0, sim.nsMax);
+    sim.temperature.allocate(0, cells);
+    sim.pressure.allocate(0, cells);
+    sim.velocity.allocate(cells, 1, dims);
+    sim.velocityInit.allocate(cells, 1, dims);
+
+    sim.wallVelocity.allocate(cells, 0, dims);
+    sim.wallPressure.allocate(0, cells);
+    sim.wallTemperature.allocate(0, cells);
+    sim.wallConcentration.allocate(0, cells);
+
+    sim.sliceSel.allocate(1, dims);
+    sim.zoom.allocate(1, dims);
+    sim.offset.allocate(1, dims);
+}
+
+} // namespace
+
+bool allocateState(SimState& sim) {
+    try {
+        allocateArrays(sim);
+        return true;
+    } catch (const std::bad_alloc&) {
+    } catch (const std::length_error&) { // a size beyond what the library's arrays can count
+    }
+    clearGeometry(sim);
+    return false;
+}
+
+double stateBytes(int nDim, int nsMax, std::int64_t nCells) {
+    const double species = static_cast<double>(nsMax) + 1;
+    const double singles = 6 * (species + 1 + nDim)  // conserved state
+                           + species + 2.0 * nDim    // concentration, velocity, velocityInit
+                           + 6.0 * nDim              // sizes, positions, areas, coefficients
+                           + 10;                     // fields with one value a cell
+    const double codes = nDim + 1 + 3;
+    return (static_cast<double>(nCells) + 1) * (4 * singles + 2 * codes);
+}
+
+void clearGeometry(SimState& sim) {
+    sim.nDim = 0;
+    sim.nCells = 0;
+    sim.nsMax = 0;
+    sim.gridCols = 0;
+    sim.firstLayerRow = 0;
+    sim.layerRows = 0;
+    sim.grid = CellTextTable();
+    sim.cellCount.allocate(0, 0);
+    allocateArrays(sim);
+}
+
+} // namespace norvane

@@ -1,0 +1,178 @@
+#include "platform/files.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+
+#ifdef _WIN32
+#include <io.h>
+#include <windows.h>
+#else
+#include <unistd.h>
+#endif
+
+namespace norvane {
+
+namespace {
+
+struct Closer {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, Closer>;
+
+FileResult failure(int number) {
+    if (number == 0) number = EIO; // a fault that the library does not number
+    return {number, std::generic_category().message(number)};
+}
+
+/// Opens a regular file; for writing also a device, such as the null device that a link may lead to. Anything else is
+/// refused before it is opened: a folder fails late and unclearly, and a pipe may wait for ever.
+File openFile(const std::string& path, const char* mode) {
+    std::error_code ignored;
+    const auto type = std::filesystem::status(path, ignored).type();
+    using std::filesystem::file_type;
+    const bool isReading = mode[0] == 'r' && mode[1] == 'b';
+    const bool isDevice = type == file_type::character || type == file_type::block;
+    if (type == file_type::directory || type == file_type::fifo || type == file_type::socket ||
+        (isDevice && isReading)) {
+        errno = type == file_type::directory ? EISDIR : EINVAL;
+        return nullptr;
+    }
+    errno = 0;
+    return File(std::fopen(path.c_str(), mode));
+}
+
+bool writeAll(std::FILE* file, std::string_view content) {
+    return std::fwrite(content.data(), 1, content.size(), file) == content.size() && std::fflush(file) == 0;
+}
+
+bool flushToDisc(std::FILE* file) {
+#ifdef _WIN32
+    return ::_commit(::_fileno(file)) == 0;
+#else
+    return ::fsync(::fileno(file)) == 0 || errno == EINVAL || errno == EROFS; // a pipe or device has nothing to flush
+#endif
+}
+
+bool cutTo(std::FILE* file, std::size_t length) {
+#ifdef _WIN32
+    return ::_chsize_s(::_fileno(file), static_cast<long long>(length)) == 0;
+#else
+    return ::ftruncate(::fileno(file), static_cast<off_t>(length)) == 0 || errno == EINVAL;
+#endif
+}
+
+FileResult writeThrough(const std::string& path, const char* mode, std::string_view content) {
+    File file = openFile(path, mode);
+    if (!file) return failure(errno);
+    errno = 0;
+    if (!writeAll(file.get(), content)) return failure(errno);
+    if (std::fclose(file.release()) != 0) return failure(errno); // some file systems tell a full disc only here
+    return {};
+}
+
+} // namespace
+
+std::string joinPath(const std::string& folder, const std::string& name) {
+    return folder + static_cast<char>(std::filesystem::path::preferred_separator) + name;
+}
+
+FileResult readFile(const std::string& path, std::string& content) try {
+    content.clear();
+    File file = openFile(path, "rb");
+    if (!file) return failure(errno);
+    std::error_code ignored;
+    const auto size = std::filesystem::file_size(path, ignored);
+    constexpr std::size_t blockSize = 1 << 16;
+    std::size_t length = 0;
+    content.resize(ignored ? blockSize : static_cast<std::size_t>(size) + 1);
+    for (;;) {
+        errno = 0;
+        length += std::fread(content.data() + length, 1, content.size() - length, file.get());
+        if (length < content.size()) break;
+        content.resize(content.size() + content.size() / 2 + blockSize); // the file grew, or its size is not told
+    }
+    const bool failed = std::ferror(file.get()) != 0;
+    content.resize(failed ? 0 : length);
+    return failed ? failure(errno) : FileResult{};
+} catch (const std::exception&) { // no memory for so much
+    content = std::string();
+    return failure(ENOMEM);
+}
+
+FileResult writeFile(const std::string& path, std::string_view content) { return writeThrough(path, "wb", content); }
+
+FileResult appendFile(const std::string& path, std::string_view content) { return writeThrough(path, "ab", content); }
+
+FileResult overwriteFile(const std::string& path, std::string_view content) {
+    File file = openFile(path, "r+b");
+    if (!file && errno == ENOENT) file = openFile(path, "wb");
+    if (!file) return failure(errno);
+    errno = 0;
+    if (!writeAll(file.get(), content) || !cutTo(file.get(), content.size()) || !flushToDisc(file.get()))
+        return failure(errno);
+    if (std::fclose(file.release()) != 0) return failure(errno);
+    return {};
+}
+
+FileResult tryOpenForWriting(const std::string& path) {
+    File file = openFile(path, "ab");
+    return file ? FileResult{} : failure(errno);
+}
+
+std::vector<std::string> listFiles(const std::string& folder, const std::string& ending) {
+    const auto lower = [](std::string text) {
+        for (char& c : text)
+            if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+        return text;
+    };
+    std::vector<std::string> names;
+    std::error_code failed;
+    std::filesystem::directory_iterator entry(folder, failed);
+    for (; !failed && entry != std::filesystem::directory_iterator(); entry.increment(failed)) {
+        const std::string name = entry->path().filename().string();
+        const bool fits = name.size() >= ending.size() && lower(name.substr(name.size() - ending.size())) == lower(ending);
+        std::error_code unknown;
+        if (fits && !entry->is_directory(unknown)) names.push_back(name);
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+double physicalMemory() {
+#ifdef _WIN32
+    MEMORYSTATUSEX status{};
+    status.dwLength = sizeof status;
+    return GlobalMemoryStatusEx(&status) ? static_cast<double>(status.ullTotalPhys) : 0;
+#else
+    const long pages = ::sysconf(_SC_PHYS_PAGES);
+    const long pageSize = ::sysconf(_SC_PAGESIZE);
+    double bytes = pages > 0 && pageSize > 0 ? static_cast<double>(pages) * static_cast<double>(pageSize) : 0;
+    // A container may grant less than the machine has.
+    std::string limit;
+    if (readFile("/sys/fs/cgroup/memory.max", limit) && !limit.empty() && limit[0] >= '0' && limit[0] <= '9') {
+        const double granted = std::strtod(limit.c_str(), nullptr);
+        if (bytes == 0 || granted < bytes) bytes = granted;
+    }
+    return bytes;
+#endif
+}
+
+std::tm localTime() {
+    const std::time_t now = std::time(nullptr);
+    std::tm broken{};
+#ifdef _WIN32
+    ::localtime_s(&broken, &now);
+#else
+    ::localtime_r(&now, &broken);
+#endif
+    return broken;
+}
+
+} // namespace norvane

@@ -1,0 +1,48 @@
+#pragma once
+// Whole-file operations. Everything that needs a call of the operating system lies behind these.
+
+#include <cstdint>
+#include <ctime>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace norvane {
+
+/// What became of a file operation: error 0, or the number and the text of the system's reason.
+struct FileResult {
+    int error = 0;
+    std::string reason;
+    explicit operator bool() const { return error == 0; }
+};
+
+/// Joins a folder and a name with the platform's separator.
+std::string joinPath(const std::string& folder, const std::string& name);
+
+/// Reads all bytes of a file. On failure `content` is empty.
+FileResult readFile(const std::string& path, std::string& content);
+
+/// Replaces the content of a file, which is created if need be.
+FileResult writeFile(const std::string& path, std::string_view content);
+
+/// Adds bytes behind the end of a file, which is created if need be.
+FileResult appendFile(const std::string& path, std::string_view content);
+
+/// Writes over the old content in place without emptying it first, cuts the file to its new length and flushes it to the
+/// disc, so that a full disc or a crash costs as little of the old content as it can.
+FileResult overwriteFile(const std::string& path, std::string_view content);
+
+/// Opens for writing without changing the content, creating the file if need be, and closes: what a write would meet.
+FileResult tryOpenForWriting(const std::string& path);
+
+/// Names of the files in a folder that end as told, whatever the case, sorted byte by byte; no folders. Empty if the
+/// folder can't be read.
+std::vector<std::string> listFiles(const std::string& folder, const std::string& ending);
+
+/// Bytes of memory that this process may hope for; 0 when the system does not tell.
+double physicalMemory();
+
+/// The local date and time.
+std::tm localTime();
+
+} // namespace norvane

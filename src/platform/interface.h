@@ -1,0 +1,54 @@
+#pragma once
+// What the logic asks of the front end that it runs under.
+
+#include "platform/controls.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace norvane {
+
+/// The four windows and the operations of a front end. An operation that a front end does not fill in does nothing.
+struct Interface {
+    CommandWindow NV_in;
+    PlotWindow NV_out;
+    DisplayWindow NV_dsp;
+    ExitWindow NV_einde;
+
+    /// Shows a text with one OK button and waits until it is dismissed; no other command is taken meanwhile.
+    std::function<void(const std::string& text)> showMessage = [](const std::string&) {};
+
+    /// Asks for a text and waits for it. No value: the question was cancelled.
+    std::function<std::optional<std::string>(const std::string& prompt, const std::string& defaultText)> askText =
+        [](const std::string&, const std::string&) { return std::optional<std::string>(); };
+
+    /// Carries out all pending commands of the user, each to its end, and returns. Called in the hot loop.
+    std::function<void()> yieldToInterface = [] {};
+
+    /// Ends the process at once. Under a front end it does not return.
+    std::function<void()> endProgram = [] {};
+
+    std::function<void()> beep = [] {};
+
+    /// Makes a form visible or hidden without waiting; use showForm and hideForm, which also keep the record.
+    std::function<void(Form& form)> formShown = [](Form&) {};
+    std::function<void(Form& form)> formHidden = [](Form&) {};
+
+    /// Marks of the run loop, for front ends that count steps or show progress.
+    std::function<void()> runBegan = [] {};
+    std::function<void()> stepBegan = [] {};
+    std::function<void()> runEnded = [] {};
+};
+
+inline void showForm(Interface& ui, Form& form) {
+    form.visible = true;
+    ui.formShown(form);
+}
+
+inline void hideForm(Interface& ui, Form& form) {
+    form.visible = false;
+    ui.formHidden(form);
+}
+
+} // namespace norvane
