@@ -83,6 +83,19 @@ std::string joinPath(const std::string& folder, const std::string& name) {
     return folder + static_cast<char>(std::filesystem::path::preferred_separator) + name;
 }
 
+std::string absolutePath(const std::string& path) {
+    std::error_code failed; // without a working directory the path stays as it is
+    std::filesystem::path whole = std::filesystem::absolute(path, failed);
+    if (failed) whole = path;
+    whole = whole.lexically_normal();
+    if (whole.has_relative_path() && whole.filename().empty()) whole = whole.parent_path();
+    return whole.string();
+}
+
+std::string folderOf(const std::string& path) { return std::filesystem::path(absolutePath(path)).parent_path().string(); }
+
+std::string nameOf(const std::string& path) { return std::filesystem::path(path).filename().string(); }
+
 FileResult readFile(const std::string& path, std::string& content) try {
     content.clear();
     File file = openFile(path, "rb");
@@ -122,7 +135,12 @@ FileResult overwriteFile(const std::string& path, std::string_view content) {
 }
 
 FileResult tryOpenForWriting(const std::string& path) {
-    File file = openFile(path, "ab");
+    const File file = openFile(path, "ab");
+    return file ? FileResult{} : failure(errno);
+}
+
+FileResult tryOpenForReading(const std::string& path) {
+    const File file = openFile(path, "rb");
     return file ? FileResult{} : failure(errno);
 }
 

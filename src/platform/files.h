@@ -19,6 +19,14 @@ struct FileResult {
 /// Joins a folder and a name with the platform's separator.
 std::string joinPath(const std::string& folder, const std::string& name);
 
+/// The absolute form of a path, relative ones counted from the working directory, without "." and ".." and without a
+/// separator at its end.
+std::string absolutePath(const std::string& path);
+
+/// The folder of a file, and its name in there.
+std::string folderOf(const std::string& path);
+std::string nameOf(const std::string& path);
+
 /// Reads all bytes of a file. On failure `content` is empty.
 FileResult readFile(const std::string& path, std::string& content);
 
@@ -38,6 +46,9 @@ FileResult tryOpenForWriting(const std::string& path);
 /// Names of the files in a folder that end as told, whatever the case, sorted byte by byte; no folders. Empty if the
 /// folder can't be read.
 std::vector<std::string> listFiles(const std::string& folder, const std::string& ending);
+
+/// Opens for reading and closes: whether a read would meet a fault.
+FileResult tryOpenForReading(const std::string& path);
 
 /// Bytes of memory that this process may hope for; 0 when the system does not tell.
 double physicalMemory();

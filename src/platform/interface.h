@@ -31,8 +31,9 @@ struct Interface {
 
     std::function<void()> beep = [] {};
 
-    /// Makes a form visible or hidden without waiting; use showForm and hideForm, which also keep the record.
-    std::function<void(Form& form)> formShown = [](Form&) {};
+    /// A form becomes visible (or is asked to, being visible already: then it may come to the front) or hidden, without
+    /// waiting. Called through showForm and hideForm, which keep the record.
+    std::function<void(Form& form, bool wasVisible)> formShown = [](Form&, bool) {};
     std::function<void(Form& form)> formHidden = [](Form&) {};
 
     /// Marks of the run loop, for front ends that count steps or show progress.
@@ -42,11 +43,13 @@ struct Interface {
 };
 
 inline void showForm(Interface& ui, Form& form) {
+    const bool wasVisible = form.visible;
     form.visible = true;
-    ui.formShown(form);
+    ui.formShown(form, wasVisible);
 }
 
 inline void hideForm(Interface& ui, Form& form) {
+    if (!form.visible) return;
     form.visible = false;
     ui.formHidden(form);
 }

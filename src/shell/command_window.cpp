@@ -55,6 +55,13 @@ void requestClose(Program& program, const Form& form) {
     program.sim.stopFlag = 1;
 }
 
+void raiseResize(Program& program, Form& form) {
+    // The picture stays away until the next plot, which sizes the surface anew.
+    if (&form == &program.ui.NV_out.form) program.ui.NV_out.Picture1.cls();
+}
+
+void raiseSelectorClick(Program&, Selector&) {}
+
 void showExitQuestion(Interface& ui) { showForm(ui, ui.NV_einde.form); }
 
 } // namespace norvane

@@ -30,6 +30,12 @@ void setDirectory(Program& program, const std::string& path);
 /// exit question and stop a run, the other two refuse.
 void requestClose(Program& program, const Form& form);
 
+/// A form has got a new inner size, which its record holds already.
+void raiseResize(Program& program, Form& form);
+
+/// A person picked an entry of a selector of the display panel, whose record shows it already.
+void raiseSelectorClick(Program& program, Selector& selector);
+
 /// Makes the exit question visible without waiting for an answer.
 void showExitQuestion(Interface& ui);
 

@@ -56,9 +56,8 @@ void startProgram(Program& program, const ProgramStart& start) {
 }
 
 void selectGeometry(Program& program, const std::string& path) {
-    const std::filesystem::path whole = std::filesystem::absolute(path).lexically_normal();
-    setDirectory(program, whole.parent_path().string());
-    program.ui.NV_in.File1.selected = whole.filename().string();
+    setDirectory(program, folderOf(path));
+    program.ui.NV_in.File1.selected = nameOf(path);
 }
 
 } // namespace norvane
