@@ -11,19 +11,67 @@ namespace {
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
+/// The significant digits of a magnitude, without a point, and the decimal exponent of the first of them.
+struct Digits {
+    char text[40];
+    int exponent = 0;
+};
+
+/// The digits of any magnitude but 0, rounded to `count` of them as its exact value tells, halves to even.
+template <class T> void roundToDigits(T magnitude, int count, Digits& digits) {
+    const auto written = std::to_chars(digits.text, digits.text + sizeof digits.text, magnitude,
+                                       std::chars_format::scientific, count - 1);
+    const char* mark = written.ptr;
+    while (*mark != 'e') --mark;
+    std::from_chars(mark + (mark[1] == '+' ? 2 : 1), written.ptr, digits.exponent);
+    digits.text[1] = digits.text[0]; // over the point
+    std::copy(digits.text + 1, digits.text + 1 + count, digits.text);
+}
+
+constexpr int singleDigits = 7;
+constexpr int doubleDigits = 15;
+
+constexpr double exactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                  1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+double timesPowerOfTen(double value, int power) {
+    return power < 0 ? value / exactPowers[-power] : value * exactPowers[power];
+}
+
+/// The same for nearly all singles, several times faster: one product with a power of ten that a double holds exactly
+/// is off by 1e-9 at most, so that it rounds as the exact value does unless its fraction is that close to a half.
+bool roundQuickly(float magnitude, Digits& digits) {
+    if (!(magnitude > 1e-15f && magnitude < 1e27f)) return false;
+    int exponent = std::ilogb(magnitude) * 1233 >> 12; // log10(2) is 1233/4096; one too low at times
+    double scaled = timesPowerOfTen(magnitude, singleDigits - 1 - exponent);
+    if (scaled >= 1e7) scaled = timesPowerOfTen(magnitude, singleDigits - 1 - ++exponent);
+    auto whole = static_cast<std::uint32_t>(scaled);
+    const double fraction = scaled - whole;
+    if (scaled < 1e6 || std::abs(fraction - 0.5) < 1e-6) return false;
+    if (fraction > 0.5) ++whole;
+    if (whole == 10'000'000) {
+        whole = 1'000'000;
+        ++exponent;
+    }
+    for (int k = singleDigits - 1; k >= 0; --k, whole /= 10) digits.text[k] = static_cast<char>('0' + whole % 10);
+    digits.exponent = exponent;
+    return true;
+}
+
+void findDigits(float magnitude, Digits& digits) {
+    if (!roundQuickly(magnitude, digits)) roundToDigits(magnitude, singleDigits, digits);
+}
+
+void findDigits(double magnitude, Digits& digits) { roundToDigits(magnitude, doubleDigits, digits); }
+
 /// Writes the general text of a finite magnitude other than 0 to `to` and gives its end. `digits` is the number of
 /// significant digits; whether the number has an exponent is settled after rounding to them.
 template <class T> char* writeMagnitude(char* to, T magnitude, int digits) {
-    char scientific[40];
-    const auto written =
-        std::to_chars(scientific, scientific + sizeof scientific, magnitude, std::chars_format::scientific, digits - 1);
-    const char* mark = written.ptr;
-    while (*mark != 'e') --mark;
-    int exponent = 0;
-    std::from_chars(mark + (mark[1] == '+' ? 2 : 1), written.ptr, exponent);
-
-    const char first = scientific[0];
-    const char* fraction = scientific + 2; // behind the first digit and the point
+    Digits found;
+    findDigits(magnitude, found);
+    const int exponent = found.exponent;
+    const char first = found.text[0];
+    const char* fraction = found.text + 1;
     int fractionDigits = digits - 1;
     while (fractionDigits > 0 && fraction[fractionDigits - 1] == '0') --fractionDigits;
 
@@ -87,9 +135,6 @@ template <class T> void appendInFrame(std::string& text, T value, int digits) {
     text.append(number.text, number.length);
     text += ' ';
 }
-
-constexpr int singleDigits = 7;
-constexpr int doubleDigits = 15;
 
 /// Reads the digits of text[from..] and gives the position behind them.
 std::size_t skipDigits(std::string_view text, std::size_t from) {

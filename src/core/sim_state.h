@@ -56,6 +56,11 @@ struct ToldFaults {
     bool snapshot = false;
 };
 
+/// A sequence of random numbers that begins alike in every program, on every platform.
+struct RandomSequence {
+    std::uint64_t state = 0x4E6F7276616E65; ///< any fixed value will do
+};
+
 /// Index ranges are inclusive. Cells run from 1 to nCells, cell 0 is the template of the default cell; species run
 /// from 0 to nsMax, dimensions from 1 to nDim. Units are SI. A value that a comment calls held is never integrated.
 struct SimState {
@@ -153,6 +158,7 @@ struct SimState {
     bool loading = false; ///< a load is under way
     RunOutcome outcome;
     ToldFaults told;
+    RandomSequence spectrumRandom; ///< goes on from one spectrum to the next
 
     SimState() { paramGP.allocate(0, 1000); }
 };

@@ -1,6 +1,11 @@
 #include "shell/command_window.h"
 
 #include "core/run_driver.h"
+#include "display/display_panel.h"
+#include "display/field_plot.h"
+#include "exchange/spectrum.h"
+#include "exchange/state_file.h"
+#include "exchange/view_factors.h"
 #include "geometry/grid_file.h"
 
 namespace norvane {
@@ -18,7 +23,30 @@ void clickContinue(Program& program) {
         continueRun(program.sim, program.ui, program.operations);
 }
 
-void clickDisplay(Program& program) { program.sim.stopFlag = 1; }
+void clickDisplay(Program& program) {
+    program.sim.stopFlag = 1;
+    showDisplayPanel(program.sim, program.ui);
+}
+
+void clickImportRadiation(Program& program) { importViewFactors(program.sim, program.ui); }
+
+void clickSave(Program& program) { saveState(program.sim, program.ui); }
+
+void clickRecall(Program& program) { recallState(program.sim, program.ui); }
+
+void clickPanelOk(Program& program) { clickOk(program.sim, program.ui); }
+
+void clickPanelToFile(Program& program) { clickToFile(program.sim, program.ui); }
+
+void clickPanelTitle(Program& program) { clickTitle(program.sim, program.ui); }
+
+void clickPanelSpectrum(Program& program) { exportSpectrum(program.sim, program.ui); }
+
+/// Ends the program whatever became of the saving: its message has been dismissed by then.
+void clickSaveAndExit(Program& program) {
+    saveState(program.sim, program.ui);
+    program.ui.endProgram();
+}
 
 void clickExit(Program& program) { program.ui.endProgram(); }
 
@@ -29,6 +57,14 @@ constexpr Button buttonTable[] = {
     {"NV_in", "Command2", "Recalc", clickRecalc},
     {"NV_in", "Command5", "Cont", clickContinue},
     {"NV_in", "Command4", "disp", clickDisplay},
+    {"NV_in", "Command8", "import rad", clickImportRadiation},
+    {"NV_in", "Command6", "Save", clickSave},
+    {"NV_in", "Command7", "Recall", clickRecall},
+    {"NV_dsp", "Command1", "OK", clickPanelOk},
+    {"NV_dsp", "Command2", "ToFile", clickPanelToFile},
+    {"NV_dsp", "Command3", "Title", clickPanelTitle},
+    {"NV_dsp", "Command4", "Spectrum", clickPanelSpectrum},
+    {"NV_einde", "Command1", "Save and Exit", clickSaveAndExit},
     {"NV_einde", "Command2", "EXIT (no save)", clickExit},
     {"NV_einde", "Command3", "Cancel/Pause", clickCancelExit},
 };
@@ -55,12 +91,14 @@ void requestClose(Program& program, const Form& form) {
     program.sim.stopFlag = 1;
 }
 
-void raiseResize(Program& program, Form& form) {
-    // The picture stays away until the next plot, which sizes the surface anew.
-    if (&form == &program.ui.NV_out.form) program.ui.NV_out.Picture1.cls();
+void raiseResize(Program& program, const Form& form) {
+    if (&form == &program.ui.NV_out.form) resizePlotWindow(program.ui);
 }
 
-void raiseSelectorClick(Program&, Selector&) {}
+void raiseSelectorClick(Program& program, const Selector& selector) {
+    // The other selectors wait for OK.
+    if (&selector == &program.ui.NV_dsp.Combo1) chooseQuantity(program.sim, program.ui);
+}
 
 void showExitQuestion(Interface& ui) { showForm(ui, ui.NV_einde.form); }
 

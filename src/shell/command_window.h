@@ -31,10 +31,10 @@ void setDirectory(Program& program, const std::string& path);
 void requestClose(Program& program, const Form& form);
 
 /// A form has got a new inner size, which its record holds already.
-void raiseResize(Program& program, Form& form);
+void raiseResize(Program& program, const Form& form);
 
 /// A person picked an entry of a selector of the display panel, whose record shows it already.
-void raiseSelectorClick(Program& program, Selector& selector);
+void raiseSelectorClick(Program& program, const Selector& selector);
 
 /// Makes the exit question visible without waiting for an answer.
 void showExitQuestion(Interface& ui);

@@ -1,6 +1,9 @@
 #include "shell/program.h"
 
 #include "core/run_driver.h"
+#include "display/field_plot.h"
+#include "display/snapshot.h"
+#include "exchange/state_file.h"
 #include "geometry/grid_file.h"
 #include "geometry/model_build.h"
 #include "platform/files.h"
@@ -39,6 +42,9 @@ std::string batchGeometry(Program& program, const ProgramStart& start) {
 void connectProgram(Program& program) {
     RunOperations& operations = program.operations;
     operations.buildModel = buildModel;
+    operations.saveState = saveState;
+    operations.takeSnapshot = [](SimState& sim, Interface& ui) { takeSnapshot(sim, ui, 0); };
+    operations.plotField = plotField;
     operations.showExitQuestion = [](SimState&, Interface& ui) { showExitQuestion(ui); };
 }
 

@@ -1,0 +1,43 @@
+#include "display/plot_file.h"
+
+#include "core/number_text.h"
+
+#include <algorithm>
+
+namespace norvane {
+
+namespace {
+
+/// Moves what has been gathered to the file. After a fault nothing more is tried.
+void flush(PlotFile& file) {
+    if (file.result) file.result = file.started ? appendFile(file.path, file.text) : writeFile(file.path, file.text);
+    file.started = true;
+    file.text.clear();
+}
+
+} // namespace
+
+PlotFile openPlotFile(const SimState& sim, double entries) {
+    constexpr double usualLength = 12; // of an entry
+    constexpr std::size_t longestEntry = 32;
+    PlotFile file;
+    file.path = joinPath(sim.inputDir, sim.outName);
+    file.text.reserve(longestEntry + static_cast<std::size_t>(std::min(usualLength * entries, double{plotFileBlock})));
+    return file;
+}
+
+void writePlotEntry(PlotFile& file, bool startsLine, float value) {
+    file.text += startsLine ? "\r\n" : "\t";
+    appendFramed(file.text, value);
+    if (file.text.size() >= plotFileBlock) flush(file);
+}
+
+void closePlotFile(PlotFile& file, SimState& sim, const Interface& ui) {
+    if (!file.started || !file.text.empty()) flush(file);
+    if (file.result || sim.told.plotFile) return;
+    sim.told.plotFile = true;
+    ui.showMessage("The plot file " + sim.outName + " can't be written: " + file.result.reason
+                   + (sim.runDepth > 0 ? ".\r\nThe run goes on without it." : ".\r\nThe plot is shown without it."));
+}
+
+} // namespace norvane

@@ -1,0 +1,32 @@
+#pragma once
+// The table of what a plot shows, rewritten at every plot.
+
+#include "core/sim_state.h"
+#include "platform/files.h"
+#include "platform/interface.h"
+
+#include <string>
+
+namespace norvane {
+
+/// The table of one plot while it is made. It is kept in memory and written when it is closed; only a table beyond
+/// plotFileBlock bytes goes to the file piece by piece.
+struct PlotFile {
+    std::string path;
+    std::string text;
+    FileResult result;    ///< of what has been written so far
+    bool started = false; ///< the file holds the first piece
+};
+
+constexpr std::size_t plotFileBlock = std::size_t{1} << 24;
+
+/// Begins the table of a plot with `entries` values.
+PlotFile openPlotFile(const SimState& sim, double entries);
+
+/// Adds a value: on a new line, or behind a tab.
+void writePlotEntry(PlotFile& file, bool startsLine, float value);
+
+/// Replaces the file beside the geometry by the table. A fault is told once for a run or a click.
+void closePlotFile(PlotFile& file, SimState& sim, const Interface& ui);
+
+} // namespace norvane

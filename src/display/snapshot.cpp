@@ -1,0 +1,42 @@
+#include "display/snapshot.h"
+
+#include "display/field_plot.h"
+#include "platform/files.h"
+
+#include <ctime>
+#include <string>
+
+namespace norvane {
+
+namespace {
+
+std::string stampOf(const std::tm& moment) {
+    char text[64];
+    return std::string(text, std::strftime(text, sizeof text, "_%Y%m%d_%H%M%S", &moment));
+}
+
+void tellFault(SimState& sim, const Interface& ui, const std::string& path, const std::string& reason) {
+    sim.told.snapshot = true;
+    ui.showMessage("The snapshot " + path + " can't be written: " + reason
+                   + (sim.runDepth > 0 ? ".\r\nThe run goes on without it." : "."));
+}
+
+} // namespace
+
+void takeSnapshot(SimState& sim, Interface& ui, std::int16_t announce) {
+    const std::string path = joinPath(sim.inputDir, sim.baseName + stampOf(localTime()) + ".bmp");
+    Surface& surface = ui.NV_out.Picture1;
+    surface.cls();
+    surface.setAutoRedraw(true);
+    plotField(sim, ui);
+    const std::string reason = surface.savePicture(path);
+    surface.cls();
+    ui.yieldToInterface();
+    surface.setAutoRedraw(false);
+
+    const bool announces = announce == 1;
+    if (!reason.empty() && (announces || !sim.told.snapshot)) tellFault(sim, ui, path, reason);
+    if (reason.empty() && announces) ui.showMessage(path + " created");
+}
+
+} // namespace norvane

@@ -1,0 +1,92 @@
+#include "exchange/number_items.h"
+
+#include "core/number_text.h"
+
+#include <charconv>
+#include <cmath>
+#include <system_error>
+
+namespace norvane {
+
+namespace {
+
+bool isSeparator(char c) {
+    return c == ' ' || c == '\t' || c == ',' || c == '\r' || c == '\n';
+}
+
+/// Goes to the next item. Gives false where none is left.
+bool findItem(NumberItems& items) {
+    std::size_t at = items.next;
+    while (at < items.text.size() && isSeparator(items.text[at]))
+        ++at;
+    items.item = at;
+    items.next = at;
+    return at < items.text.size();
+}
+
+/// Leaves an item that is not a number whole behind.
+ItemKind passOver(NumberItems& items) {
+    while (items.next < items.text.size() && !isSeparator(items.text[items.next]))
+        ++items.next;
+    return ItemKind::otherText;
+}
+
+template <class Number>
+ItemKind readItem(NumberItems& items, Number& value) {
+    if (!findItem(items))
+        return ItemKind::endOfText;
+    const char* const end = items.text.data() + items.text.size();
+    const char* from = items.text.data() + items.item;
+    if (*from == '+' && from + 1 < end && from[1] != '-')
+        ++from; // from_chars takes no plus sign
+    Number number = 0;
+    const auto read = std::from_chars(from, end, number);
+    if (read.ptr == from || (read.ptr != end && !isSeparator(*read.ptr)))
+        return passOver(items);
+    items.next = static_cast<std::size_t>(read.ptr - items.text.data());
+    if (read.ec == std::errc::result_out_of_range) // which way is not told
+        number = static_cast<Number>(numericPrefix(items.text.substr(items.item, items.next - items.item)));
+    value = number;
+    return ItemKind::number;
+}
+
+} // namespace
+
+ItemKind readNumber(NumberItems& items, float& value) {
+    return readItem(items, value);
+}
+
+ItemKind readNumber(NumberItems& items, double& value) {
+    return readItem(items, value);
+}
+
+ItemKind readWhole(NumberItems& items, std::int32_t& value) {
+    double number = 0;
+    const ItemKind kind = readItem(items, number);
+    if (kind != ItemKind::number)
+        return kind;
+    if (!std::isfinite(number))
+        return ItemKind::otherText;
+    value = toInt32(number);
+    return ItemKind::number;
+}
+
+std::int64_t lineOfItem(const NumberItems& items) {
+    const std::string_view before = items.text.substr(0, items.item);
+    std::int64_t line = 1;
+    for (std::size_t at = 0; at < before.size(); ++at) {
+        const bool isPair = before[at] == '\r' && before.substr(at + 1, 1) == "\n"; // counted by its second half
+        if (before[at] == '\n' || (before[at] == '\r' && !isPair))
+            ++line;
+    }
+    return line;
+}
+
+std::string itemFault(const NumberItems& items, ItemKind kind, const std::string& wanted) {
+    return "line " + std::to_string(lineOfItem(items)) + ": "
+           + (kind == ItemKind::endOfText ? "the file ends before "
+                                          : "a text that is no number stands in the place of ")
+           + wanted;
+}
+
+} // namespace norvane

@@ -1,0 +1,37 @@
+#pragma once
+// The numbers of a text file, item by item.
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace norvane {
+
+/// Walks the items of a text. Blanks, tabs, commas and line ends separate alike and empty items don't count, so that a
+/// file may be laid out, or put through a spreadsheet, as one likes.
+struct NumberItems {
+    std::string_view text;
+    std::size_t item = 0; ///< position of the item read last; the end of the text where none was left
+    std::size_t next = 0; ///< position behind it
+};
+
+enum class ItemKind { number, otherText, endOfText };
+
+/// Reads the next item as a single or a double: decimal or exponent form, or nan, inf, -inf. A number too large for the
+/// type becomes an infinity, one too small a zero. `value` changes only with ItemKind::number.
+ItemKind readNumber(NumberItems& items, float& value);
+ItemKind readNumber(NumberItems& items, double& value);
+
+/// Reads the next item as a whole number: the nearest one, halves to the even, limited to the range of the type. An
+/// item that is not finite counts as other text. `value` changes only with ItemKind::number.
+ItemKind readWhole(NumberItems& items, std::int32_t& value);
+
+/// The line, counted from 1, in which the item read last stands.
+std::int64_t lineOfItem(const NumberItems& items);
+
+/// For a message: the line of the item read last, and that it is not the number that was looked for.
+///   wanted  what belongs there, such as "the step count"
+std::string itemFault(const NumberItems& items, ItemKind kind, const std::string& wanted);
+
+} // namespace norvane

@@ -1,0 +1,59 @@
+#pragma once
+// Pictures of a plot: the operations of the drawing surface on an image in memory, or on the page of a vector file.
+//
+// Coordinate k is pixel k of its row or column, and what lies between is rounded. A box fills the pixels of its corners
+// and all between, so the seam between two cells of a map is one pixel wide. A line takes the pixels of its ends and
+// all between; with a width of 2 also those before them, so that the mark of a wall covers the seam and the edge of its
+// own cell: the next cell, drawn later, leaves it whole. Nothing but text is smoothed: the image of a plot is the same
+// everywhere but for its glyphs.
+
+#include "platform/files.h"
+#include "platform/surface.h"
+
+#include <cairo.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace norvane {
+
+enum class PictureFormat { bmp, png, svg, pdf };
+
+/// The format that the ending of a file name stands for, whatever its case; none for any other ending.
+std::optional<PictureFormat> pictureFormat(const std::string& fileName);
+
+struct DestroyCairo {
+    void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
+
+    void operator()(cairo_t* context) const { cairo_destroy(context); }
+};
+
+/// What a surface record draws on.
+struct Picture {
+    std::optional<PictureFormat> page; ///< svg or pdf: a page of such a file; none: an image
+    int width = 0;                     ///< pixels
+    int height = 0;                    ///< pixels
+    std::string pageBytes;             ///< of the file that the page becomes
+    std::unique_ptr<cairo_surface_t, DestroyCairo> target;
+    std::unique_ptr<cairo_t, DestroyCairo> context;
+};
+
+/// The largest picture, each way; a larger surface is cut off.
+constexpr int largestPicture = 16384;
+
+/// Connects the operations of a record with an image of its size, which they keep alive. The record must stay where it
+/// is. Its savePicture writes a 24-bit bitmap.
+std::shared_ptr<Picture> drawOnImage(Surface& surface);
+
+/// The same with the page of an SVG or PDF file; a pixel is 1/96 inch there. Its savePicture writes that file.
+std::shared_ptr<Picture> drawOnPage(Surface& surface, PictureFormat format);
+
+/// Writes the picture as a file, whole or not at all: an image as bmp or png, a page as what it is. Afterwards a page
+/// is empty. Faults: those of files; a format that this picture can't take.
+FileResult writePicture(Picture& picture, const std::string& path, PictureFormat format);
+
+/// The colour of a pixel [0..width-1][0..height-1] of an image.
+Color pixelAt(const Picture& image, int x, int y);
+
+} // namespace norvane

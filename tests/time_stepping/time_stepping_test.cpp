@@ -1,0 +1,157 @@
+// A step is a classical Runge-Kutta step whose weighted sum is formed in the first stage of the next step.
+
+#include "support/test_program.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace norvane {
+namespace {
+
+using testing::ElementsAre;
+
+const char* const slosh = "DT 1E-5:NT 20:UT 0:LT 1\t\t\t\nL\t\t\t\nPP 2E5\t\tTT 400\t\n\tVV 1;3\t\t\n\t\t\t\nL\t\t\t";
+
+TEST(run, leavesTheStartStateInTheFirstStage) {
+    TestProgram test;
+    test.load("DT 1E-5:NT 1:UT 0\t\nL\t\nPP 2E5\t\nL\t");
+    test.click("NV_in.Command2");
+    EXPECT_EQ(test.sim.stageSpecies(committedSlot, 0, 1), float(0.01f * 200000 / (test.sim.gasFactor * 298.15f)));
+    EXPECT_NE(test.sim.stageMomentum(workSlot, 1, 1), test.sim.stageMomentum(committedSlot, 1, 1));
+}
+
+TEST(run, continuedAfterAStopEqualsAnUninterruptedOne) {
+    TestProgram whole;
+    whole.load(slosh);
+    whole.click("NV_in.Command2");
+    whole.click("NV_in.Command5");
+    TestProgram stopped;
+    stopped.load(slosh);
+    stopped.ui.stepBegan = [&] {
+        if (stopped.sim.stepCount == 6) stopped.click("NV_in.Command4");
+    };
+    stopped.click("NV_in.Command2");
+    EXPECT_EQ(stopped.sim.stepCount, 7);
+    stopped.ui.stepBegan = [] {};
+    stopped.click("NV_in.Command5"); // to 27
+    stopped.sim.stepCount = 20;      // so that the next one ends where the other ended
+    TestProgram reference;
+    reference.load(slosh);
+    reference.click("NV_in.Command2");
+    reference.click("NV_in.Command5");
+    EXPECT_EQ(stateHash(whole.sim), stateHash(reference.sim));
+    TestProgram seven;
+    seven.load(std::string(slosh).replace(std::string(slosh).find("NT 20"), 5, "NT 27"));
+    seven.click("NV_in.Command2");
+    EXPECT_EQ(stateHash(stopped.sim), stateHash(seven.sim));
+}
+
+TEST(run, convergesWithTheFourthOrderOfItsSteps) {
+    // Exchange of heat between two closed cells, where the exact decay is known. Differences at halved steps fall by 16.
+    const auto difference = [](const char* steps) {
+        TestProgram test;
+        test.load(std::string(steps) + ":LA 200:UT 0:CP 1000:RH 1:PP 1E5:TT 300\t\nL\t\nWV 1;1:TT 100\tTT 900\nL\t");
+        test.click("NV_in.Command2");
+        return double(test.sim.stageEnergy(0, 2)) / (1000 * double(test.sim.cellMass[2])) -
+               double(test.sim.stageEnergy(0, 1)) / (1000 * double(test.sim.cellMass[1]));
+    };
+    const double coarse = difference("DT 8E-5:NT 3");
+    const double medium = difference("DT 4E-5:NT 5");
+    const double fine = difference("DT 2E-5:NT 9");
+    const double order = std::log2((coarse - medium) / (medium - fine));
+    EXPECT_NEAR(order, 4, 0.3) << coarse << ' ' << medium << ' ' << fine;
+}
+
+TEST(schedule, plotsLogsAndSavesAtTheirSteps) {
+    TestProgram test;
+    std::vector<int> plots;
+    std::vector<int> saves;
+    std::vector<int> snaps;
+    test.program.operations.plotField = [&](SimState& sim, Interface& ui) {
+        plots.push_back(sim.stepCount);
+        EXPECT_EQ(ui.NV_in.Text1.text, std::to_string(sim.stepCount));
+    };
+    test.program.operations.saveState = [&](SimState& sim, Interface&) { saves.push_back(sim.stepCount); };
+    test.program.operations.takeSnapshot = [&](SimState& sim, Interface&) { snaps.push_back(sim.stepCount); };
+    const auto run = [&](const std::string& keys) {
+        plots.clear();
+        saves.clear();
+        snaps.clear();
+        test.load("DT 1E-6:" + keys + "\nL\n\nL");
+        test.click("NV_in.Command2");
+    };
+    run("NT 60:UT 25:ST 20:FT 30");
+    EXPECT_THAT(plots, ElementsAre(1, 26, 51, 60));
+    EXPECT_THAT(saves, ElementsAre(20, 40, 60));
+    EXPECT_THAT(snaps, ElementsAre(30, 60));
+    run("NT 6:UT -2:ST -2:FT 1");
+    EXPECT_THAT(plots, ElementsAre(1, 3, 5, 6));
+    EXPECT_THAT(saves, ElementsAre());
+    EXPECT_THAT(snaps, ElementsAre(1, 2, 3, 4, 5, 6));
+    run("NT 3:UT 0:ST 0:FT 0");
+    EXPECT_THAT(plots, ElementsAre(3)) << "switched off, but for the last step";
+    EXPECT_THAT(saves, ElementsAre());
+    EXPECT_THAT(snaps, ElementsAre());
+}
+
+TEST(schedule, aRunWithoutALimitMakesOneStepOrGoesOnUntilItIsStopped) {
+    TestProgram test;
+    test.load("DT 1E-6\nL\n\nL");
+    test.click("NV_in.Command2");
+    EXPECT_EQ(test.sim.stepCount, 1);
+    test.load("DT 1E-6:NT -1\nL\n\nL");
+    test.ui.stepBegan = [&] {
+        if (test.sim.stepCount == 99) test.sim.stopFlag = 1;
+    };
+    test.click("NV_in.Command2");
+    EXPECT_EQ(test.sim.stepCount, 100);
+    test.click("NV_in.Command5");
+    EXPECT_EQ(test.sim.stepCount, 101) << "a continuation counts its limit from where it starts: 100 - 1";
+}
+
+TEST(log, holdsVelocityAndPressureOfItsCellAndStartsAnewOnlyWithANewGeometry) {
+    TestProgram test;
+    test.write("m_log", "old");
+    test.load("DT 1E-5:NT 3:LT 2:UT 0\t\t\t\t\t\nL\t\t\t\t\t\nWT -1:TT 200\tWP -1\tWP -1\tWP -1\tPP 5E4:WP -1\tWP -1\nL\t\t\t\t\t");
+    test.click("NV_in.Command2");
+    const std::string log = test.read("m_log");
+    EXPECT_THAT(log, testing::MatchesRegex("-[0-9.E-]+ \t 50000 \r\n-[0-9.E-]+ \t 50000 \r\n"));
+    test.click("NV_in.Command2");
+    EXPECT_EQ(test.read("m_log"), log + log);
+    test.click("NV_in.Command1");
+    test.click("NV_in.Command5");
+    EXPECT_EQ(test.read("m_log"), log);
+}
+
+TEST(log, thatCannotBeWrittenIsToldOnceAndTheRunGoesOn) {
+    TestProgram test;
+    std::filesystem::create_directory(test.folder / "m_log");
+    test.load("DT 1E-6:NT 5:LT 1\nL\n\nL");
+    test.click("NV_in.Command2");
+    EXPECT_THAT(test.takeMessages(), ElementsAre(testing::HasSubstr("The log file m_log can't be written")));
+    EXPECT_EQ(test.sim.stepCount, 5);
+}
+
+TEST(stopFile, stopsARunWithTheExitQuestionAndIsClearedAgain) {
+    TestProgram test;
+    test.load("DT 1E-6:NT -1\nL\n\nL");
+    test.write("checkstop", "1"); // from before the run: has no effect
+    const auto putAtStep = [&](int step, const char* content) {
+        test.ui.stepBegan = [&test, step, content] {
+            if (test.sim.stepCount == step) test.write("checkstop", content);
+            if (test.sim.stepCount == 30) test.sim.stopFlag = 1;
+        };
+        test.click("NV_in.Command2");
+        return test.sim.stepCount;
+    };
+    for (const char* content : {"2", "", "1x", "one", "-1", "\xff\xfe\x31"}) EXPECT_EQ(putAtStep(10, content), 31) << content;
+    EXPECT_THAT(test.events, ElementsAre("shown: NV_out"));
+    for (const char* content : {"1", " 1 \r\n", "1\t0", "1,0"}) EXPECT_EQ(putAtStep(10, content), 11) << content;
+    EXPECT_THAT(test.events, ElementsAre("shown: NV_out", "shown: NV_einde"));
+    EXPECT_EQ(test.read("checkstop"), " 0 \r\n");
+}
+
+} // namespace
+} // namespace norvane
