@@ -142,7 +142,7 @@ void drawLine(const Picture& picture, const Surface& surface, float x1, float y1
         strokeLine(picture, surface.foreColor, lineWidth, x1, y1, x2, y2);
 }
 
-bool isPlace(float x1, float y1, float x2, float y2) {
+bool areNumbers(float x1, float y1, float x2, float y2) {
     return !std::isnan(x1) && !std::isnan(y1) && !std::isnan(x2) && !std::isnan(y2);
 }
 
@@ -210,10 +210,10 @@ std::shared_ptr<Picture> connect(Surface& surface, std::optional<PictureFormat> 
     surface.cls = [picture, &surface] { clearPicture(*picture, surface); };
     surface.print = [picture, &surface](const std::string& text) { printText(*picture, surface, text); };
     surface.line = [picture, &surface](float x1, float y1, float x2, float y2) {
-        if (isPlace(x1, y1, x2, y2)) drawLine(*picture, surface, x1, y1, x2, y2);
+        if (areNumbers(x1, y1, x2, y2)) drawLine(*picture, surface, x1, y1, x2, y2);
     };
     surface.box = [picture, &surface](float x1, float y1, float x2, float y2) {
-        if (isPlace(x1, y1, x2, y2)) fillBox(*picture, surface, spanBetween(x1, x2), spanBetween(y1, y2));
+        if (areNumbers(x1, y1, x2, y2)) fillBox(*picture, surface, spanBetween(x1, x2), spanBetween(y1, y2));
     };
     // The image is always kept, so there is nothing to switch.
     surface.setAutoRedraw = [](bool) {};

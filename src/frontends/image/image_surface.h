@@ -40,7 +40,7 @@ struct Picture {
 };
 
 /// The largest picture, each way; a larger surface is cut off.
-constexpr int largestPicture = 16384;
+constexpr int largestPicture = 8192;
 
 /// Connects the operations of a record with an image of its size, which they keep alive. The record must stay where it
 /// is. Its savePicture writes a 24-bit bitmap.
