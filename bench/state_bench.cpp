@@ -22,11 +22,12 @@ constexpr int side = 1000;
 struct Model {
     SimState sim;
     Interface ui;
+    std::filesystem::path formerDirectory = std::filesystem::current_path();
     std::filesystem::path folder = std::filesystem::temp_directory_path() / "norvane-state-bench";
 
     Model() {
         std::filesystem::create_directories(folder);
-        std::filesystem::current_path(folder);
+        std::filesystem::current_path(folder); // a build writes the stop file into it
         writeTable();
         ui.showMessage = [](const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); };
         ui.NV_in.Dir1.path = folder.string();
@@ -39,7 +40,7 @@ struct Model {
 
     ~Model() {
         std::error_code ignored;
-        std::filesystem::current_path(folder.parent_path(), ignored);
+        std::filesystem::current_path(formerDirectory, ignored);
         std::filesystem::remove_all(folder, ignored);
     }
 

@@ -27,6 +27,7 @@ int readStopValue() {
 } // namespace
 
 void clearCheckstop(SimState& sim, const Interface& ui) {
+    if (sim.onlyLooks) return; // it may belong to a run in the same folder
     const FileResult written = writeFile(stopFileName, " 0 \r\n");
     if (written || sim.told.stopFile) return;
     sim.told.stopFile = true;

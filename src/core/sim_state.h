@@ -156,6 +156,7 @@ struct SimState {
     // --- book-keeping of the loop --------------------------------------------------------------------------------
     int runDepth = 0;     ///< runs that are under way, each suspended in a yield of the next
     bool loading = false; ///< a load is under way
+    bool onlyLooks = false; ///< a program that draws or exports: stop file, log and plot file are left as they are
     RunOutcome outcome;
     ToldFaults told;
     RandomSequence spectrumRandom; ///< goes on from one spectrum to the next

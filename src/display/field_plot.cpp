@@ -55,17 +55,24 @@ Axis axisAlong(const SimState& sim, int dim) {
     return {dim, exists, count, exists ? sim.cellStride[dim] : 0};
 }
 
+bool hasSlice(const SimState& sim, int dim) { return sim.sliceSel[dim] >= 0 && sim.sliceSel[dim] < sim.cellCount[dim]; }
+
 Plane chosenPlane(const SimState& sim) {
     Plane plane;
     plane.across = axisAlong(sim, sim.axisPair[0]);
     plane.down = axisAlong(sim, sim.axisPair[1]);
     for (int dim = 1; dim <= sim.nDim; ++dim) {
         if (dim == plane.across.dim || dim == plane.down.dim) continue;
-        // The mark of an axis may stand on a dimension that is none, where two dimensions were chosen for one axis.
-        const bool isSlice = sim.sliceSel[dim] >= 0 && sim.sliceSel[dim] < sim.cellCount[dim];
-        if (isSlice) plane.first += std::int64_t{sim.sliceSel[dim]} * sim.cellStride[dim];
+        if (hasSlice(sim, dim)) plane.first += std::int64_t{sim.sliceSel[dim]} * sim.cellStride[dim];
     }
     return plane;
+}
+
+/// Puts what is no slice to slice 0: the mark of an axis stays on a dimension that is none where two dimensions were
+/// chosen for one axis, and a panel may have been filled for another grid.
+void correctSlices(SimState& sim, const Plane& plane) {
+    for (int dim = 1; dim <= sim.nDim; ++dim)
+        if (dim != plane.across.dim && dim != plane.down.dim && !hasSlice(sim, dim)) sim.sliceSel[dim] = 0;
 }
 
 /// One call of plotField.
@@ -318,6 +325,7 @@ void plotField(SimState& sim, Interface& ui) {
     Plot plot{
         sim,          surface, chosenPlane(sim), drawnQuantity(sim.showWhat), surface.scaleWidth, surface.scaleHeight,
         window.height};
+    correctSlices(sim, plot.plane);
     correctZoom(sim, plot.plane.across);
     correctZoom(sim, plot.plane.down);
     plot.scale = fitScale(plot);

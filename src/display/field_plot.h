@@ -10,9 +10,9 @@ namespace norvane {
 /// plot file. Does nothing before a model has been built (density[0] is not above 0). Reads the primitive fields, the
 /// geometry, wall codes and the display settings. Corrects settings where it uses them and stores that: zoom of both
 /// axes not above 0 becomes 1; showDims becomes one that the quantity has; in a vector plot scaleMin and scaleMax not
-/// above 0 become 1. Of the rest it only takes care: a showWhat below 1 draws as 1, a slice that does not exist as
-/// slice 0. An axis that the grid does not have (the second one of a one-dimensional grid) makes the plot a band, one
-/// cell of a fixed height. Faults: a plot file that can't be written, told once for a run or a click.
+/// above 0 become 1; a slice that does not exist becomes slice 0. A showWhat below 1 draws as 1, and stays. An axis
+/// that the grid does not have (the second one of a one-dimensional grid) makes the plot a band, one cell of a fixed
+/// height. Faults: a plot file that can't be written, told once for a run or a click.
 void plotField(SimState& sim, Interface& ui);
 
 /// The plot window got another inner size: its picture stays away until the next plot, which sizes the surface anew.

@@ -22,6 +22,7 @@ PlotFile openPlotFile(const SimState& sim, double entries) {
     constexpr std::size_t longestEntry = 32;
     PlotFile file;
     file.path = joinPath(sim.inputDir, sim.outName);
+    file.isWanted = !sim.onlyLooks;
     file.text.reserve(longestEntry + static_cast<std::size_t>(std::min(usualLength * entries, double{plotFileBlock})));
     return file;
 }
@@ -29,10 +30,15 @@ PlotFile openPlotFile(const SimState& sim, double entries) {
 void writePlotEntry(PlotFile& file, bool startsLine, float value) {
     file.text += startsLine ? "\r\n" : "\t";
     appendFramed(file.text, value);
-    if (file.text.size() >= plotFileBlock) flush(file);
+    if (file.text.size() < plotFileBlock) return;
+    if (file.isWanted)
+        flush(file);
+    else
+        file.text.clear();
 }
 
 void closePlotFile(PlotFile& file, SimState& sim, const Interface& ui) {
+    if (!file.isWanted) return;
     if (!file.started || !file.text.empty()) flush(file);
     if (file.result || sim.told.plotFile) return;
     sim.told.plotFile = true;

@@ -16,6 +16,7 @@ struct PlotFile {
     std::string text;
     FileResult result;    ///< of what has been written so far
     bool started = false; ///< the file holds the first piece
+    bool isWanted = true; ///< false: nothing is written (SimState::onlyLooks)
 };
 
 constexpr std::size_t plotFileBlock = std::size_t{1} << 24;

@@ -10,15 +10,12 @@ namespace norvane {
 
 namespace {
 
-bool isSeparator(char c) {
-    return c == ' ' || c == '\t' || c == ',' || c == '\r' || c == '\n';
-}
+bool isSeparator(char c) { return c == ' ' || c == '\t' || c == ',' || c == '\r' || c == '\n'; }
 
 /// Goes to the next item. Gives false where none is left.
 bool findItem(NumberItems& items) {
     std::size_t at = items.next;
-    while (at < items.text.size() && isSeparator(items.text[at]))
-        ++at;
+    while (at < items.text.size() && isSeparator(items.text[at])) ++at;
     items.item = at;
     items.next = at;
     return at < items.text.size();
@@ -26,23 +23,19 @@ bool findItem(NumberItems& items) {
 
 /// Leaves an item that is not a number whole behind.
 ItemKind passOver(NumberItems& items) {
-    while (items.next < items.text.size() && !isSeparator(items.text[items.next]))
-        ++items.next;
+    while (items.next < items.text.size() && !isSeparator(items.text[items.next])) ++items.next;
     return ItemKind::otherText;
 }
 
 template <class Number>
 ItemKind readItem(NumberItems& items, Number& value) {
-    if (!findItem(items))
-        return ItemKind::endOfText;
+    if (!findItem(items)) return ItemKind::endOfText;
     const char* const end = items.text.data() + items.text.size();
     const char* from = items.text.data() + items.item;
-    if (*from == '+' && from + 1 < end && from[1] != '-')
-        ++from; // from_chars takes no plus sign
+    if (*from == '+' && from + 1 < end && from[1] != '-') ++from; // from_chars takes no plus sign
     Number number = 0;
     const auto read = std::from_chars(from, end, number);
-    if (read.ptr == from || (read.ptr != end && !isSeparator(*read.ptr)))
-        return passOver(items);
+    if (read.ptr == from || (read.ptr != end && !isSeparator(*read.ptr))) return passOver(items);
     items.next = static_cast<std::size_t>(read.ptr - items.text.data());
     if (read.ec == std::errc::result_out_of_range) // which way is not told
         number = static_cast<Number>(numericPrefix(items.text.substr(items.item, items.next - items.item)));
@@ -52,21 +45,15 @@ ItemKind readItem(NumberItems& items, Number& value) {
 
 } // namespace
 
-ItemKind readNumber(NumberItems& items, float& value) {
-    return readItem(items, value);
-}
+ItemKind readNumber(NumberItems& items, float& value) { return readItem(items, value); }
 
-ItemKind readNumber(NumberItems& items, double& value) {
-    return readItem(items, value);
-}
+ItemKind readNumber(NumberItems& items, double& value) { return readItem(items, value); }
 
 ItemKind readWhole(NumberItems& items, std::int32_t& value) {
     double number = 0;
     const ItemKind kind = readItem(items, number);
-    if (kind != ItemKind::number)
-        return kind;
-    if (!std::isfinite(number))
-        return ItemKind::otherText;
+    if (kind != ItemKind::number) return kind;
+    if (!std::isfinite(number)) return ItemKind::otherText;
     value = toInt32(number);
     return ItemKind::number;
 }
@@ -76,8 +63,7 @@ std::int64_t lineOfItem(const NumberItems& items) {
     std::int64_t line = 1;
     for (std::size_t at = 0; at < before.size(); ++at) {
         const bool isPair = before[at] == '\r' && before.substr(at + 1, 1) == "\n"; // counted by its second half
-        if (before[at] == '\n' || (before[at] == '\r' && !isPair))
-            ++line;
+        if (before[at] == '\n' || (before[at] == '\r' && !isPair)) ++line;
     }
     return line;
 }

@@ -46,8 +46,7 @@ void drawWaveVector(SimState& sim, Sample& sample) {
 
 double lengthOf(const SimState& sim, const std::vector<double>& vector) {
     double square = 0;
-    for (int dim = 1; dim <= sim.nDim; ++dim)
-        square += vector[dim] * vector[dim];
+    for (int dim = 1; dim <= sim.nDim; ++dim) square += vector[dim] * vector[dim];
     return std::sqrt(square);
 }
 
@@ -57,8 +56,7 @@ void sumOverCells(const SimState& sim, Sample& sample) {
     std::fill(sample.sinSum.begin(), sample.sinSum.end(), 0.0);
     for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
         double phase = 0;
-        for (int dim = 1; dim <= sim.nDim; ++dim)
-            phase += double(sim.cellPos(cell, dim)) * sample.waveVector[dim];
+        for (int dim = 1; dim <= sim.nDim; ++dim) phase += double(sim.cellPos(cell, dim)) * sample.waveVector[dim];
         const double cosine = std::cos(phase);
         const double sine = std::sin(phase);
         for (int dim = 1; dim <= sim.nDim; ++dim) {
@@ -94,8 +92,7 @@ bool fitsMemory(std::int64_t rows) {
 /// Gives false where memory is short.
 bool formatSpectrum(SimState& sim, std::int32_t pointCount, std::string& text) try {
     const std::int64_t rows = std::int64_t{pointCount} + 1;
-    if (!fitsMemory(rows))
-        return false;
+    if (!fitsMemory(rows)) return false;
     text.reserve(static_cast<std::size_t>(rows) * rowLimit);
     const std::vector<double> zeros(static_cast<std::size_t>(sim.nDim) + 1);
     Sample sample{zeros, zeros, zeros};
@@ -136,8 +133,7 @@ double nextUniform(RandomSequence& sequence) {
 
 void exportSpectrum(SimState& sim, Interface& ui) {
     const std::optional<std::string> answer = ui.askText("How many frequency points?", "100");
-    if (!answer)
-        return;
+    if (!answer || answer->empty()) return; // cancelled
     const std::optional<double> number = numberIn(*answer);
     if (!number)
         ui.showMessage("The number of frequency points has to be a number. No spectrum is written.");

@@ -8,9 +8,9 @@
 
 namespace norvane {
 
-/// Asks for the number of frequency points and writes the spectrum with them. A cancelled question does nothing.
-/// Faults, each told by a message, after which nothing is written: an answer that is no number or below 0; those of
-/// writeSpectrum.
+/// Asks for the number of frequency points and writes the spectrum with them. A cancelled question, or an empty answer,
+/// does nothing. Faults, each told by a message, after which nothing is written: an answer that is no number or below
+/// 0; those of writeSpectrum.
 void exportSpectrum(SimState& sim, Interface& ui);
 
 /// Samples the velocity field at pointCount + 1 wave vectors k and writes "NV_spectrum" in inputDir, a row for each

@@ -18,13 +18,9 @@ constexpr const char* lineEnd = "\r\n";
 constexpr const char* openFault = "An error occured opening the file";
 constexpr double celsiusZero = 273.15; // K
 
-std::string stateName(const SimState& sim) {
-    return sim.baseName + "_state";
-}
+std::string stateName(const SimState& sim) { return sim.baseName + "_state"; }
 
-std::string statePath(const SimState& sim) {
-    return joinPath(sim.inputDir, stateName(sim));
-}
+std::string statePath(const SimState& sim) { return joinPath(sim.inputDir, stateName(sim)); }
 
 // --- saving --------------------------------------------------------------------------------------------------------
 
@@ -49,8 +45,7 @@ void appendBlock(std::string& text, const SimState& sim, const Value& value) {
     for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
         appendFramed(text, value(cell));
         text += '\t';
-        if (++column < rowLength)
-            continue;
+        if (++column < rowLength) continue;
         text += lineEnd;
         column = 0;
     }
@@ -114,8 +109,7 @@ struct StateReader {
 };
 
 bool accept(StateReader& reader, ItemKind kind, const std::string& wanted) {
-    if (kind == ItemKind::number)
-        return true;
+    if (kind == ItemKind::number) return true;
     reader.fault = reader.fileName + ", " + itemFault(reader.items, kind, wanted) + "." + lineEnd
                    + "Nothing was recalled: the model stands as built from its geometry.";
     return false;
@@ -124,15 +118,13 @@ bool accept(StateReader& reader, ItemKind kind, const std::string& wanted) {
 /// Reads the number of cells and the step count, of which the last of three holds.
 bool readHeader(StateReader& reader, const SimState& sim) {
     std::int32_t cells = 0;
-    if (!accept(reader, readWhole(reader.items, cells), "the number of cells"))
-        return false;
+    if (!accept(reader, readWhole(reader.items, cells), "the number of cells")) return false;
     if (cells != sim.nCells) {
         reader.fault = "incorrect number of cells in saved state";
         return false;
     }
     for (int line = 1; line <= 3; ++line)
-        if (!accept(reader, readWhole(reader.items, reader.stepCount), "the step count"))
-            return false;
+        if (!accept(reader, readWhole(reader.items, reader.stepCount), "the step count")) return false;
     return true;
 }
 
@@ -141,8 +133,7 @@ template <class Target>
 bool readBlock(StateReader& reader, const SimState& sim, const std::string& quantity, const Target& target) {
     for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
         const ItemKind kind = readNumber(reader.items, target(cell));
-        if (kind != ItemKind::number)
-            return accept(reader, kind, quantity + " of cell " + std::to_string(cell));
+        if (kind != ItemKind::number) return accept(reader, kind, quantity + " of cell " + std::to_string(cell));
     }
     return true;
 }
@@ -178,8 +169,7 @@ void forConserved(SimState& sim, const Work& work) {
 /// The slopes of the step that was saved in the middle are not in the file: the next stage 1 has to add nothing.
 void clearSlopes(SimState& sim) {
     forConserved(sim, [](const auto& q) {
-        for (int slot = 1; slot <= 4; ++slot)
-            q(slot) = 0;
+        for (int slot = 1; slot <= 4; ++slot) q(slot) = 0;
     });
 }
 
@@ -237,8 +227,7 @@ void recallState(SimState& sim, Interface& ui) {
     buildModel(sim, ui);
     StateReader reader{stateName(sim), {text}, 0, {}};
     const bool isWhole = readHeader(reader, sim) && readConserved(reader, sim);
-    if (isWhole)
-        takeHeldBack(sim);
+    if (isWhole) takeHeldBack(sim);
     clearSlopes(sim);
     if (!isWhole) {
         ui.showMessage(reader.fault);

@@ -22,13 +22,9 @@ constexpr const char* unchangedText = "\r\nNothing was imported: the earlier vie
 /// compiler, which may round the last bit another way.
 const volatile double radiationConstant = 5.67E-08;
 
-std::string radName(const SimState& sim) {
-    return sim.baseName + "_rad";
-}
+std::string radName(const SimState& sim) { return sim.baseName + "_rad"; }
 
-std::string radPath(const SimState& sim) {
-    return joinPath(sim.inputDir, radName(sim));
-}
+std::string radPath(const SimState& sim) { return joinPath(sim.inputDir, radName(sim)); }
 
 /// A table that is held back until the whole file has been read.
 struct PairTable {
@@ -60,10 +56,8 @@ bool accept(RadReader& reader, ItemKind kind, const char* wanted) {
 /// The last of three numbers holds.
 bool readPairCount(RadReader& reader) {
     for (const char* place : {"the first number", "the second number", "the number of records"})
-        if (!accept(reader, readWhole(reader.items, reader.pairCount), place))
-            return false;
-    if (reader.pairCount >= 0)
-        return true;
+        if (!accept(reader, readWhole(reader.items, reader.pairCount), place)) return false;
+    if (reader.pairCount >= 0) return true;
     return fail(reader, "line " + std::to_string(lineOfItem(reader.items)) + ": the number of records is negative");
 }
 
@@ -77,18 +71,12 @@ bool readRecord(RadReader& reader) {
     std::int32_t second = 0;
     float a = 0;
     float b = 0;
-    if (!accept(reader, readWhole(reader.items, first), "the first cell"))
-        return false;
-    if (first < 1 || first > reader.nCells)
-        return failCell(reader, "the first cell", first);
-    if (!accept(reader, readWhole(reader.items, second), "the second cell"))
-        return false;
-    if (std::llabs(second) > reader.nCells)
-        return failCell(reader, "the second cell", second);
-    if (!accept(reader, readNumber(reader.items, a), "the first factor"))
-        return false;
-    if (!accept(reader, readNumber(reader.items, b), "the second factor"))
-        return false;
+    if (!accept(reader, readWhole(reader.items, first), "the first cell")) return false;
+    if (first < 1 || first > reader.nCells) return failCell(reader, "the first cell", first);
+    if (!accept(reader, readWhole(reader.items, second), "the second cell")) return false;
+    if (std::llabs(second) > reader.nCells) return failCell(reader, "the second cell", second);
+    if (!accept(reader, readNumber(reader.items, a), "the first factor")) return false;
+    if (!accept(reader, readNumber(reader.items, b), "the second factor")) return false;
     reader.table.first.push_back(first);
     reader.table.second.push_back(second);
     reader.table.factor.push_back(static_cast<float>(double(a) * double(b)));
@@ -97,12 +85,10 @@ bool readRecord(RadReader& reader) {
 
 /// The table grows with the records that are really there: a count in a file is no reason to take memory for it.
 bool readTable(RadReader& reader) {
-    if (!readPairCount(reader))
-        return false;
+    if (!readPairCount(reader)) return false;
     while (reader.record < reader.pairCount) {
         reader.record += 1;
-        if (!readRecord(reader))
-            return false;
+        if (!readRecord(reader)) return false;
     }
     return true;
 }
@@ -133,8 +119,7 @@ void takeTable(SimState& sim, const PairTable& table) {
 std::string importTable(SimState& sim, std::string bytes) try {
     const std::string text = toUtf8(std::move(bytes));
     RadReader reader{{text}, sim.nCells, 0, 0, {}, {}};
-    if (readTable(reader))
-        takeTable(sim, reader.table);
+    if (readTable(reader)) takeTable(sim, reader.table);
     return reader.fault;
 
 } catch (const std::bad_alloc&) {

@@ -340,7 +340,7 @@ void buildModel(SimState& sim, Interface& ui) {
     for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) deriveCoefficients(sim, cell);
 
     sim.stopStep = limitedSum(sim.stepCount, stepLimit);
-    if (sim.runMode == modeGeometryRead && sim.logEvery > 0) emptyLog(sim, ui);
+    if (sim.runMode == modeGeometryRead && sim.logEvery > 0 && !sim.onlyLooks) emptyLog(sim, ui);
     sim.runMode = modeModelStands;
 }
 

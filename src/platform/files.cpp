@@ -144,6 +144,12 @@ FileResult tryOpenForReading(const std::string& path) {
     return file ? FileResult{} : failure(errno);
 }
 
+FileResult removeFile(const std::string& path) {
+    std::error_code failed;
+    std::filesystem::remove(path, failed);
+    return failed ? FileResult{failed.value(), failed.message()} : FileResult{};
+}
+
 std::vector<std::string> listFiles(const std::string& folder, const std::string& ending) {
     const auto lower = [](std::string text) {
         for (char& c : text)

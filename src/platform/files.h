@@ -43,6 +43,9 @@ FileResult overwriteFile(const std::string& path, std::string_view content);
 /// Opens for writing without changing the content, creating the file if need be, and closes: what a write would meet.
 FileResult tryOpenForWriting(const std::string& path);
 
+/// Removes a file; one that is not there is no fault.
+FileResult removeFile(const std::string& path);
+
 /// Names of the files in a folder that end as told, whatever the case, sorted byte by byte; no folders. Empty if the
 /// folder can't be read.
 std::vector<std::string> listFiles(const std::string& folder, const std::string& ending);

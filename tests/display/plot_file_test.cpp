@@ -17,12 +17,13 @@ struct PlotFile : testing::Test {
     SimState& sim = test.sim;
 
     PlotFile() {
-        test.build("NS 1:DD 1;2:DD 2;3:HH 0.5:LA 2000\t\nL\t\n\t\n\t\nL\t");
+        test.build("NS 1:DD 1;2:DD 2;3:LA 2000\t\nL\t\n\t\n\t\nL\t");
         for (std::int32_t cell = 1; cell <= 4; ++cell) {
             const auto number = static_cast<float>(cell);
             sim.temperature[cell] = 300 + number * number;
             sim.pressure[cell] = 1e5f * number;
             sim.density[cell] = number;
+            sim.cellHeight[cell] = 0.5f;
             sim.concentration(cell, 1) = number / 8;
             sim.velocity(cell, 1) = 3 * number;
             sim.velocity(cell, 2) = -4 * number;

@@ -1,7 +1,9 @@
 // The command line. Options are read here and nowhere else.
 
 #include "frontends/cli/exit_status.h"
+#include "frontends/cli/plot_command.h"
 #include "frontends/cli/run_command.h"
+#include "frontends/cli/spectrum_command.h"
 #include "frontends/script/script_front_end.h"
 #include "platform/files.h"
 
@@ -25,13 +27,78 @@ constexpr const char* runStatusHelp =
     "  5  stopped early, by a signal or by the value 1 in the file checkstop\n\n"
     "Ctrl-C finishes the step in hand and ends the run in order; a second Ctrl-C ends it at once.";
 
-constexpr const char* runHelp = "Load a geometry and run it to its end.\n\n"
-                                "The results lie beside the geometry m.gmt: m_log, a line for each logged step (key LT).";
+constexpr const char* runHelp =
+    "Load a geometry and run it to its end.\n\n"
+    "The results lie beside the geometry m.gmt: m_out, the table of the latest plot, m_log, a line for each logged\n"
+    "step (key LT), m_state with --save or key ST, pictures with --snapshots or key FT.";
+
+constexpr const char* plotHelp = "Draw a picture of a geometry, as it starts or with --state as it was saved.";
+
+constexpr const char* spectrumHelp =
+    "Write the velocity spectrum of a geometry into the file NV_spectrum beside it:\n"
+    "a row for each random wave vector, with its length and the power found there.";
 
 constexpr const char* scriptHelp =
     "Drive the whole program without a window: the commands of FILE stand for a person's clicks,\n"
     "and every message, question and window that a person would have seen is printed.\n"
     "Exit status: 0, or 2 after a fault of the script.";
+
+constexpr const char* lookStatusHelp = "Exit status: 0 done, 2 bad use, 3 the geometry cannot be used,\n"
+                                       "4 a file cannot be read or written.";
+
+void addGeometry(CLI::App* command, std::string& geometry) {
+    command->add_option("GEOMETRY", geometry, "the table of the geometry, a .gmt file")->required();
+}
+
+CLI::App* addRun(CLI::App& app, RunOptions& options) {
+    CLI::App* run = app.add_subcommand("run", runHelp);
+    addGeometry(run, options.geometry);
+    run->add_flag("-q,--quiet", options.quiet, "print nothing but messages");
+    run->add_flag("--recall", options.recall, "go on from the saved state, as Recall and Cont do");
+    run->add_flag("--save", options.save, "save the state at the end, also after a signal");
+    run->add_flag("--radiation", options.radiation, "import the view factors m_rad first");
+    run->add_option("--plot-every", options.plotEvery, "plot every N steps instead of key UT")
+        ->type_name("N")
+        ->check(CLI::PositiveNumber);
+    run->add_option("--snapshots", options.frameEvery, "write a picture m_STEP.png every N steps")
+        ->type_name("N")
+        ->check(CLI::PositiveNumber);
+    run->add_option("--movie", options.movie, "make a film of these pictures, such as m.mp4, with ffmpeg")
+        ->type_name("FILE")
+        ->needs("--snapshots");
+    run->footer(runStatusHelp);
+    return run;
+}
+
+CLI::App* addPlot(CLI::App& app, PlotOptions& options) {
+    CLI::App* plot = app.add_subcommand("plot", plotHelp);
+    addGeometry(plot, options.geometry);
+    plot->add_option("-o,--output", options.output, "the picture; .png, .svg, .pdf or .bmp")->type_name("FILE")->required();
+    plot->add_flag("--state", options.state, "recall the saved state first");
+    plot->add_option("--quantity", options.quantity, "what to show, by its name in the list of the panel");
+    plot->add_option("--component", options.component, "total, x, y, z or the number of a dimension or species");
+    plot->add_option("--slice", options.slices, "DIMENSION=SLICE, for each dimension that is not drawn; from 0")->type_name("D=N");
+    plot->add_option("--columns", options.columns, "the dimension that is drawn across")->type_name("D");
+    plot->add_option("--rows", options.rows, "the dimension that is drawn downward")->type_name("D");
+    plot->add_option("--scale", options.scale, "the ends of the colour scale; auto fits them to the plane")->type_name("LOW:HIGH");
+    plot->add_option("--zoom", options.zoom, "a stretch for each dimension, such as 1,2");
+    plot->add_option("--title", options.title, "the title of the plot");
+    plot->add_option("--size", options.size, "pixels, such as 1200x900")->type_name("WxH");
+    plot->footer(lookStatusHelp);
+    return plot;
+}
+
+CLI::App* addSpectrum(CLI::App& app, SpectrumOptions& options) {
+    CLI::App* spectrum = app.add_subcommand("spectrum", spectrumHelp);
+    addGeometry(spectrum, options.geometry);
+    spectrum->add_option("--points", options.points, "frequency points; there is one row more")
+        ->capture_default_str()
+        ->type_name("N")
+        ->check(CLI::NonNegativeNumber);
+    spectrum->add_flag("--state", options.state, "recall the saved state first");
+    spectrum->footer(lookStatusHelp);
+    return spectrum;
+}
 
 int runCommandLine(int argc, char** argv) {
     CLI::App app("Norvane simulates compressible gas flow with heat and species transport through a grid of cells,\n"
@@ -41,11 +108,11 @@ int runCommandLine(int argc, char** argv) {
     app.require_subcommand(1);
 
     RunOptions runOptions;
-    CLI::App* run = app.add_subcommand("run", runHelp);
-    run->add_option("GEOMETRY", runOptions.geometry, "the table of the geometry, a .gmt file")->required();
-    run->add_flag("-q,--quiet", runOptions.quiet, "print nothing but messages");
-    run->footer(runStatusHelp);
-
+    const CLI::App* run = addRun(app, runOptions);
+    PlotOptions plotOptions;
+    const CLI::App* plot = addPlot(app, plotOptions);
+    SpectrumOptions spectrumOptions;
+    const CLI::App* spectrum = addSpectrum(app, spectrumOptions);
     std::string scriptPath;
     bool trace = false;
     CLI::App* script = app.add_subcommand("script", scriptHelp);
@@ -57,8 +124,11 @@ int runCommandLine(int argc, char** argv) {
     } catch (const CLI::ParseError& end) {
         return app.exit(end) == 0 ? exitDone : exitBadUse;
     }
-    if (*script) return runScript(scriptPath, trace);
-    return runGeometry(runOptions);
+    plotOptions.hasTitle = plot->count("--title") > 0;
+    if (*run) return runGeometry(runOptions);
+    if (*plot) return plotGeometry(plotOptions);
+    if (*spectrum) return writeSpectrumOf(spectrumOptions);
+    return runScript(scriptPath, trace);
 }
 
 /// A program file whose name ends in "_" starts in batch mode, with a geometry as its only argument.

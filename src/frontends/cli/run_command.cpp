@@ -2,10 +2,13 @@
 
 #include "core/number_text.h"
 #include "core/run_driver.h"
-#include "frontends/cli/exit_status.h"
+#include "display/snapshot.h"
+#include "exchange/state_file.h"
+#include "exchange/view_factors.h"
+#include "frontends/cli/console.h"
+#include "frontends/cli/frames.h"
 #include "frontends/cli/progress.h"
-#include "geometry/grid_file.h"
-#include "platform/files.h"
+#include "frontends/image/image_surface.h"
 
 #include <csignal>
 #include <cstdio>
@@ -35,85 +38,59 @@ bool writesToTerminal() {
 #endif
 }
 
-std::string withPlainLineEnds(const std::string& text) {
-    std::string plain;
-    for (const char c : text)
-        if (c != '\r') plain += c;
-    while (!plain.empty() && plain.back() == '\n') plain.pop_back();
-    return plain;
-}
-
 struct ConsoleRun {
-    explicit ConsoleRun(bool isQuiet) : quiet(isQuiet), progress(isQuiet, writesToTerminal()) {}
+    explicit ConsoleRun(const RunOptions& runOptions)
+        : options(runOptions), progress(runOptions.quiet, writesToTerminal()) {}
 
-    Program program;
-    bool quiet;
+    Console console;
+    RunOptions options;
     Progress progress;
-    std::int64_t densityMessages = 0;
+    Frames frames;
     bool ran = false;
 };
 
-/// A model that blows up does so in many cells at once: the first few tell the place.
-constexpr std::int64_t maxDensityMessages = 5;
-
-void tell(ConsoleRun& run, const std::string& text) {
-    const bool isDensity = text.find("negative density") != std::string::npos;
-    if (isDensity && ++run.densityMessages > maxDensityMessages) return;
-    run.progress.wipe();
-    std::fprintf(stderr, "%s\n", withPlainLineEnds(text).c_str());
-}
-
-std::string describedGrid(const SimState& sim) {
-    std::string text;
-    for (int dim = 1; dim <= sim.nDim; ++dim) text += (dim > 1 ? " x " : "") + std::to_string(sim.cellCount[dim]);
-    text += sim.nCells == 1 ? " cell" : " cells";
-    if (sim.nsMax > 0) text += ", " + std::to_string(sim.nsMax + 1) + " species";
-    return text;
-}
-
-void beginRun(ConsoleRun& run) {
-    const SimState& sim = run.program.sim;
-    run.ran = true;
-    run.progress.begin(sim);
-    if (run.quiet) return;
-    const std::int64_t steps = std::int64_t{sim.stopStep} - sim.stepCount;
-    const std::string length = sim.stopStep < 0 ? "until it is stopped" : std::to_string(steps < 1 ? 1 : steps) + " steps";
-    std::printf("%s: %s, %s of %s s\n", sim.fileName.c_str(), describedGrid(sim).c_str(), length.c_str(),
-                generalText(sim.dt).c_str());
+void say(const ConsoleRun& run, const std::string& line) {
+    if (run.options.quiet) return;
+    std::printf("%s\n", line.c_str());
     std::fflush(stdout);
 }
 
-void connectInterface(ConsoleRun& run) {
-    Interface& ui = run.program.ui;
-    ui.showMessage = [&run](const std::string& text) { tell(run, text); };
-    ui.yieldToInterface = [&run] {
-        if (stopSignal != 0) run.program.sim.stopFlag = 1;
-    };
-    ui.runBegan = [&run] { beginRun(run); };
-    ui.stepBegan = [&run] { run.progress.step(run.program.sim); };
+/// The build has read the keys: what the command line tells takes their place.
+void beginRun(ConsoleRun& run) {
+    SimState& sim = run.console.program.sim;
+    run.ran = true;
+    if (run.options.plotEvery > 0) sim.updateEvery = run.options.plotEvery;
+    if (run.options.frameEvery > 0) sim.frameEvery = run.options.frameEvery;
+    run.progress.begin(sim);
+    const std::int64_t steps = std::int64_t{sim.stopStep} - sim.stepCount;
+    const std::string length = sim.stopStep < 0 ? "steps until it is stopped"
+                               : steps <= 1     ? "1 step"
+                                                : std::to_string(steps) + " steps";
+    const std::string start = sim.stepCount > 0 ? " from step " + std::to_string(sim.stepCount) : "";
+    say(run, sim.fileName + ": " + describedGrid(sim) + ", " + length + " of " + generalText(sim.dt) + " s" + start);
 }
 
-bool outputFailed(const ToldFaults& told) { return told.log || told.plotFile || told.snapshot; }
+/// A snapshot is drawn on an image that exists for it alone: the plots in between cost no drawing.
+void takeDrawnSnapshot(SimState& sim, Interface& ui) {
+    Surface& surface = ui.NV_out.Picture1;
+    const Surface blind = surface;
+    const auto image = drawOnImage(surface);
+    takeSnapshot(sim, ui, 0);
+    surface = blind;
+}
 
-/// Why the run ended, and the status that says so.
-int reportEnd(ConsoleRun& run) {
-    const SimState& sim = run.program.sim;
-    const RunOutcome& outcome = sim.outcome;
-    run.progress.wipe();
-    if (run.densityMessages > maxDensityMessages)
-        std::fprintf(stderr, "... and %lld more such messages\n",
-                     static_cast<long long>(run.densityMessages - maxDensityMessages));
-    const char* why = outcome.negativeDensity   ? "ended by negative density: try a smaller time step DT"
-                      : outcome.reachedStopStep ? "reached its stop step"
-                      : outcome.stopFile        ? "stopped by the file checkstop"
-                                                : "stopped by a signal";
-    const std::string span = spanText(run.progress.seconds());
-    std::FILE* const to = outcome.negativeDensity ? stderr : stdout;
-    if (!run.quiet || outcome.negativeDensity)
-        std::fprintf(to, "Step %d after %s: the run %s.\n", sim.stepCount, span.c_str(), why);
-    if (outcome.negativeDensity) return exitEndedByModel;
-    if (outputFailed(sim.told)) return exitFileFault;
-    return outcome.reachedStopStep ? exitDone : exitStoppedEarly;
+void connectRun(ConsoleRun& run) {
+    connectConsole(run.console);
+    Program& program = run.console.program;
+    run.console.beforeMessage = [&run] { run.progress.wipe(); };
+    program.ui.yieldToInterface = [&program] {
+        if (stopSignal != 0) program.sim.stopFlag = 1;
+    };
+    program.ui.runBegan = [&run] { beginRun(run); };
+    program.ui.stepBegan = [&run] { run.progress.step(run.console.program.sim); };
+    program.operations.takeSnapshot = takeDrawnSnapshot;
+    if (run.options.frameEvery > 0)
+        program.operations.takeSnapshot = [&run](SimState& sim, Interface& ui) { takeFrame(run.frames, sim, ui); };
 }
 
 void catchSignals() {
@@ -121,31 +98,89 @@ void catchSignals() {
     std::signal(SIGTERM, takeSignal);
 }
 
+/// Performs an act that tells its faults by messages; gives false after one.
+template <class Act> bool succeeds(const Console& console, const Act& act) {
+    const std::int64_t messagesBefore = console.messages;
+    act();
+    return console.messages == messagesBefore;
+}
+
+bool saveAtEnd(ConsoleRun& run) {
+    Program& program = run.console.program;
+    if (program.sim.outcome.negativeDensity) {
+        std::fprintf(stderr, "The state is not saved: it holds negative density.\n");
+        return true;
+    }
+    const bool saved = succeeds(run.console, [&] { saveState(program.sim, program.ui); });
+    if (saved) say(run, "The state is saved in " + program.sim.baseName + "_state.");
+    return saved;
+}
+
+bool makeMovieAtEnd(const ConsoleRun& run) {
+    const std::string fault = makeMovie(run.frames, run.options.movie);
+    if (fault.empty()) {
+        say(run, "The film " + run.options.movie + " has " + std::to_string(run.frames.paths.size()) + " pictures.");
+        return true;
+    }
+    std::fprintf(stderr, "No film %s: %s. The pictures %s*.png stay.\n", run.options.movie.c_str(), fault.c_str(),
+                 run.frames.prefix.c_str());
+    return fault == "ffmpeg is not installed";
+}
+
+void tellEnd(ConsoleRun& run) {
+    const SimState& sim = run.console.program.sim;
+    const RunOutcome& outcome = sim.outcome;
+    run.progress.wipe();
+    tellHeldBackMessages(run.console);
+    const std::string end = "Step " + std::to_string(sim.stepCount) + " after " + spanText(run.progress.seconds()) + ": ";
+    if (outcome.negativeDensity)
+        std::fprintf(stderr, "%sthe run ended by negative density. Try a smaller time step DT.\n", end.c_str());
+    else
+        say(run, end + (outcome.reachedStopStep ? "the run reached its stop step."
+                        : outcome.stopFile      ? "the run was stopped by the file checkstop."
+                                                : "the run was stopped by a signal."));
+}
+
+/// Ends a run in order, and gives the status that says how it went.
+int finish(ConsoleRun& run) {
+    tellEnd(run);
+    bool written = true;
+    if (run.options.save) written = saveAtEnd(run) && written;
+    if (!run.options.movie.empty()) written = makeMovieAtEnd(run) && written;
+    const SimState& sim = run.console.program.sim;
+    if (sim.outcome.negativeDensity) return exitEndedByModel;
+    const bool missesOutput = sim.told.log || sim.told.plotFile || sim.told.snapshot || !run.frames.result;
+    if (missesOutput || !written) return exitFileFault;
+    return sim.outcome.reachedStopStep ? exitDone : exitStoppedEarly;
+}
+
 } // namespace
 
 int runGeometry(const RunOptions& options) {
-    ConsoleRun run(options.quiet);
-    Program& program = run.program;
-    connectProgram(program);
-    connectInterface(run);
-    selectGeometry(program, options.geometry);
-    program.sim.batchMode = 1; // the cell structure stands in a line of our own
-    const FileResult readable = tryOpenForReading(options.geometry);
-    loadGeometry(program.sim, program.ui);
-    if (!readable) return exitFileFault;
-    if (program.sim.nDim == 0) return exitNoModel;
+    ConsoleRun run(options);
+    connectRun(run);
+    Program& program = run.console.program;
+    const ExitStatus loaded = loadFor(run.console, options.geometry);
+    if (loaded != exitDone) return loaded;
+    run.frames.prefix = absolutePath(program.sim.inputDir + "/" + program.sim.baseName + "_");
+    if (options.radiation && !succeeds(run.console, [&] { importViewFactors(program.sim, program.ui); }))
+        return exitFileFault;
     catchSignals();
-    runSimulation(program.sim, program.ui, program.operations);
-    return reportEnd(run);
+    if (options.recall) {
+        if (!succeeds(run.console, [&] { recallState(program.sim, program.ui); })) return exitFileFault;
+        continueRun(program.sim, program.ui, program.operations);
+    } else {
+        runSimulation(program.sim, program.ui, program.operations);
+    }
+    return finish(run);
 }
 
 int runBatch(const ProgramStart& start) {
-    ConsoleRun run(false);
-    connectProgram(run.program);
-    connectInterface(run);
+    ConsoleRun run({});
+    connectRun(run);
     catchSignals();
-    startProgram(run.program, start);
-    return run.ran ? reportEnd(run) : static_cast<int>(exitNoModel);
+    startProgram(run.console.program, start);
+    return run.ran ? finish(run) : static_cast<int>(exitNoModel);
 }
 
 } // namespace norvane

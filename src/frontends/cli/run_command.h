@@ -9,6 +9,12 @@ namespace norvane {
 struct RunOptions {
     std::string geometry;
     bool quiet = false;
+    bool recall = false;    ///< goes on from the saved state
+    bool save = false;      ///< saves the state at the end
+    bool radiation = false; ///< imports the view factors first
+    int plotEvery = 0;      ///< steps between plots; 0: as the geometry tells
+    int frameEvery = 0;     ///< steps between pictures; 0: none but those that the geometry tells
+    std::string movie;      ///< file of the film of the pictures; empty: none
 };
 
 /// Loads a geometry and runs it to its end, as the button Recalc does; gives the exit status.

@@ -11,6 +11,16 @@
 #include <cstdint>
 #include <string_view>
 
+// Called by the leak detection of a program that is built with it: fonts that Cairo has looked up stay in memory for
+// good, in tables whose pointers the detection can't follow.
+extern "C" const char* __lsan_default_suppressions();
+
+extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig.so\n"; }
+
+extern "C" const char* __lsan_default_options();
+
+extern "C" const char* __lsan_default_options() { return "print_suppressions=0"; }
+
 namespace norvane {
 
 namespace {

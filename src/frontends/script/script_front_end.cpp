@@ -1,5 +1,6 @@
 #include "frontends/script/script_front_end.h"
 
+#include "frontends/image/image_surface.h"
 #include "frontends/script/script_text.h"
 #include "frontends/script/surface_trace.h"
 #include "platform/files.h"
@@ -285,6 +286,7 @@ int runScript(const std::string& path, bool trace) {
     ScriptRun run;
     connectProgram(run.program);
     connectInterface(run);
+    drawOnImage(run.program.ui.NV_out.Picture1); // no screen, but snapshots are real pictures
     if (trace) traceSurface(run.program.ui.NV_out.Picture1, printLine);
     const std::string folder = path == "-" ? absolutePath(".") : folderOf(path);
     startProgram(run.program, {folder, "norvane", {}});

@@ -1,0 +1,35 @@
+#pragma once
+// A program whose person sits at a terminal, or is a script: messages go to standard error.
+
+#include "frontends/cli/exit_status.h"
+#include "shell/program.h"
+
+#include <functional>
+#include <string>
+
+namespace norvane {
+
+struct Console {
+    Program program;
+    std::int64_t messages = 0;                      ///< all that the program has shown
+    std::int64_t densityMessages = 0;               ///< those of them about negative density
+    std::function<void()> beforeMessage = [] {};    ///< makes room for a line
+};
+
+/// Connects the program with the terminal. The console must stay where it is.
+void connectConsole(Console& console);
+
+/// Prints how many messages about negative density were held back, if any.
+void tellHeldBackMessages(const Console& console);
+
+/// Imports a geometry without its structure message; what is wrong with it is told. Gives the exit status.
+ExitStatus loadFor(Console& console, const std::string& geometry);
+
+/// Makes the model stand for a command that only looks: built afresh, or recalled from the state file. Gives the exit
+/// status; leaves log, stop file and plot file alone.
+ExitStatus standModel(Console& console, bool recalled);
+
+/// The cells along each dimension and the species, "60 x 18 cells, 2 species".
+std::string describedGrid(const SimState& sim);
+
+} // namespace norvane

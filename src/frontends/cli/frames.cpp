@@ -1,0 +1,66 @@
+#include "frontends/cli/frames.h"
+
+#include "display/field_plot.h"
+#include "frontends/image/image_surface.h"
+#include "platform/process.h"
+
+#include <cstdio>
+
+namespace norvane {
+
+namespace {
+
+std::string numbered(const std::string& prefix, std::int32_t step) {
+    char number[16];
+    std::snprintf(number, sizeof number, "%06d", step);
+    return prefix + number + ".png";
+}
+
+/// The list that ffmpeg takes the frames from: names as they are, not a pattern, since steps leave gaps.
+std::string frameList(const Frames& frames) {
+    std::string list;
+    for (const std::string& path : frames.paths) {
+        std::string quoted;
+        for (const char c : path) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+        list += "file '" + quoted + "'\nduration 0.04\n";
+    }
+    return list;
+}
+
+} // namespace
+
+void takeFrame(Frames& frames, SimState& sim, Interface& ui) {
+    if (!frames.result) return;
+    Surface& surface = ui.NV_out.Picture1;
+    const Surface blind = surface;
+    const auto image = drawOnImage(surface);
+    const bool onlyLooks = sim.onlyLooks;
+    sim.onlyLooks = true; // the plot file belongs to the plots of the schedule
+    surface.cls();
+    plotField(sim, ui);
+    sim.onlyLooks = onlyLooks;
+    const std::string path = numbered(frames.prefix, sim.stepCount);
+    frames.result = writePicture(*image, path, PictureFormat::png);
+    surface = blind;
+    if (frames.result)
+        frames.paths.push_back(absolutePath(path));
+    else
+        ui.showMessage("The picture " + path + " can't be written: " + frames.result.reason +
+                       ".\r\nThe run goes on without pictures.");
+}
+
+std::string makeMovie(const Frames& frames, const std::string& path) {
+    if (frames.paths.empty()) return "there are no frames";
+    const std::string listPath = absolutePath(path) + ".frames.txt";
+    const FileResult listed = writeFile(listPath, frameList(frames));
+    if (!listed) return listPath + " can't be written: " + listed.reason;
+    const int status = runProcess({"ffmpeg", "-nostdin", "-loglevel", "error", "-y", "-f", "concat", "-safe", "0", "-i",
+                                   listPath, "-vf", "pad=ceil(iw/2)*2:ceil(ih/2)*2", "-pix_fmt", "yuv420p", path});
+    removeFile(listPath);
+    if (status == processNotFound) return "ffmpeg is not installed";
+    if (status != 0) return "ffmpeg could not make it";
+    for (const std::string& frame : frames.paths) removeFile(frame);
+    return {};
+}
+
+} // namespace norvane

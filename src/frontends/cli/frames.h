@@ -1,0 +1,27 @@
+#pragma once
+// Pictures of a run at regular steps, and a film of them.
+
+#include "platform/files.h"
+#include "platform/interface.h"
+#include "core/sim_state.h"
+
+#include <string>
+#include <vector>
+
+namespace norvane {
+
+/// Pictures taken in a run: PNG files, numbered by their steps.
+struct Frames {
+    std::string prefix; ///< path of a frame up to its number
+    std::vector<std::string> paths;
+    FileResult result; ///< of the latest write; after a fault nothing more is tried
+};
+
+/// Draws the plot of this moment and writes it as the next frame.
+void takeFrame(Frames& frames, SimState& sim, Interface& ui);
+
+/// Makes a film of the frames with ffmpeg and removes them. Where that can't be done the frames stay; gives the reason,
+/// empty when the film is made.
+std::string makeMovie(const Frames& frames, const std::string& path);
+
+} // namespace norvane

@@ -1,0 +1,207 @@
+#include "frontends/cli/plot_command.h"
+
+#include "core/number_text.h"
+#include "display/field_plot.h"
+#include "display/quantities.h"
+#include "frontends/cli/console.h"
+#include "frontends/image/image_surface.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <optional>
+
+namespace norvane {
+
+namespace {
+
+std::string lowered(std::string text) {
+    for (char& c : text)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    return text;
+}
+
+/// Prints what is wrong with an option, and gives false for the caller to pass on.
+bool fault(const std::string& option, const std::string& given, const std::string& allowed) {
+    std::fprintf(stderr, "%s: \"%s\" is not %s\n", option.c_str(), given.c_str(), allowed.c_str());
+    return false;
+}
+
+std::optional<double> numberIn(const std::string& text) {
+    std::size_t length = 0;
+    const double value = numericPrefix(text, length);
+    if (length == 0 || length != text.size() || !std::isfinite(value)) return std::nullopt;
+    return value;
+}
+
+/// A whole number of the range; none where the text is something else.
+std::optional<int> wholeIn(const std::string& text, int low, int high) {
+    const std::optional<double> value = numberIn(text);
+    if (!value || *value != std::floor(*value) || *value < low || *value > high) return std::nullopt;
+    return static_cast<int>(*value);
+}
+
+std::vector<std::string> parts(const std::string& text, char separator) {
+    std::vector<std::string> result{""};
+    for (const char c : text) {
+        if (c == separator)
+            result.emplace_back();
+        else
+            result.back() += c;
+    }
+    return result;
+}
+
+std::string range(int low, int high) { return std::to_string(low) + " to " + std::to_string(high); }
+
+bool takeQuantity(const PlotOptions& options, SimState& sim, const Selector& quantities) {
+    if (options.quantity.empty()) return true;
+    std::string names;
+    for (std::size_t k = 0; k < quantities.entries.size(); ++k) {
+        if (lowered(quantities.entries[k]) == lowered(options.quantity)) {
+            sim.showWhat = static_cast<std::int16_t>(k + 1);
+            return true;
+        }
+        names += (k > 0 ? ", " : "") + quantities.entries[k];
+    }
+    return fault("--quantity", options.quantity, "one of " + names);
+}
+
+bool takeComponent(const PlotOptions& options, SimState& sim) {
+    if (options.component.empty()) return true;
+    if (sim.showWhat == showConcentration) {
+        const std::optional<int> species = wholeIn(options.component, 1, sim.nsMax + 1);
+        if (!species) return fault("--component", options.component, "a species, " + range(1, sim.nsMax + 1));
+        sim.showDims = static_cast<std::int16_t>(*species - 1);
+        return true;
+    }
+    static constexpr const char* names[] = {"total", "x", "y", "z", "d4"};
+    for (int dim = 0; dim <= std::min<int>(sim.nDim, 4); ++dim)
+        if (lowered(options.component) == names[dim]) {
+            sim.showDims = static_cast<std::int16_t>(dim);
+            return true;
+        }
+    const std::optional<int> dim = wholeIn(options.component, 1, sim.nDim);
+    if (!dim) return fault("--component", options.component, "total, x, y, z or a dimension, " + range(1, sim.nDim));
+    sim.showDims = static_cast<std::int16_t>(*dim);
+    return true;
+}
+
+/// Reads the dimension of an axis; stays without the option.
+bool takeAxis(const std::string& option, const std::string& given, const SimState& sim, std::int16_t& axis) {
+    if (given.empty()) return true;
+    const std::optional<int> dim = wholeIn(given, 1, sim.nDim);
+    if (!dim) return fault(option, given, "a dimension of the geometry, " + range(1, sim.nDim));
+    axis = static_cast<std::int16_t>(*dim);
+    return true;
+}
+
+bool takeAxes(const PlotOptions& options, SimState& sim) {
+    std::int16_t* const axes = sim.axisPair;
+    if (!takeAxis("--columns", options.columns, sim, axes[0]) || !takeAxis("--rows", options.rows, sim, axes[1]))
+        return false;
+    if (axes[0] != axes[1]) return true;
+    if (!options.columns.empty() && !options.rows.empty())
+        return fault("--rows", options.rows, "another dimension than that of --columns");
+    // One axis took the other's dimension: that one makes way.
+    axes[options.rows.empty() ? 1 : 0] = axes[0] == 1 ? std::int16_t{2} : std::int16_t{1};
+    return true;
+}
+
+bool takeSlices(const PlotOptions& options, SimState& sim) {
+    for (const std::string& slice : options.slices) {
+        const std::vector<std::string> sides = parts(slice, '=');
+        const std::optional<int> dim = sides.size() == 2 ? wholeIn(sides[0], 1, sim.nDim) : std::nullopt;
+        if (!dim) return fault("--slice", slice, "DIMENSION=SLICE with a dimension of " + range(1, sim.nDim));
+        const int last = sim.cellCount[*dim] - 1;
+        const std::optional<int> place = wholeIn(sides[1], 0, last);
+        if (!place) return fault("--slice", slice, "a slice of that dimension, " + range(0, last));
+        sim.sliceSel[*dim] = static_cast<std::int16_t>(*place);
+    }
+    return true;
+}
+
+bool takeScale(const PlotOptions& options, SimState& sim) {
+    if (options.scale.empty()) return true;
+    if (lowered(options.scale) == "auto") {
+        const PlaneRange plane = planeRange(sim);
+        if (!plane.found) return true;
+        sim.scaleMin = plane.low;
+        sim.scaleMax = plane.high > plane.low ? plane.high : plane.low + 1;
+        return true;
+    }
+    const std::vector<std::string> ends = parts(options.scale, ':');
+    const std::optional<double> low = ends.size() == 2 ? numberIn(ends[0]) : std::nullopt;
+    const std::optional<double> high = ends.size() == 2 ? numberIn(ends[1]) : std::nullopt;
+    if (!low || !high || *low == *high) return fault("--scale", options.scale, "LOW:HIGH, such as 290:400, or auto");
+    sim.scaleMin = static_cast<float>(*low);
+    sim.scaleMax = static_cast<float>(*high);
+    return true;
+}
+
+bool takeZoom(const PlotOptions& options, SimState& sim) {
+    if (options.zoom.empty()) return true;
+    const std::vector<std::string> stretches = parts(options.zoom, ',');
+    if (static_cast<int>(stretches.size()) > sim.nDim)
+        return fault("--zoom", options.zoom, "a list of at most " + std::to_string(sim.nDim) + " numbers");
+    for (std::size_t k = 0; k < stretches.size(); ++k) {
+        const std::optional<double> stretch = numberIn(stretches[k]);
+        if (!stretch || !(*stretch > 0)) return fault("--zoom", options.zoom, "a list of numbers above 0, such as 1,2");
+        sim.zoom[static_cast<std::int64_t>(k) + 1] = static_cast<float>(*stretch);
+    }
+    return true;
+}
+
+bool takeSize(const PlotOptions& options, Form& window) {
+    if (options.size.empty()) return true;
+    const std::vector<std::string> sides = parts(lowered(options.size), 'x');
+    const std::optional<int> width = sides.size() == 2 ? wholeIn(sides[0], 150, largestPicture) : std::nullopt;
+    const std::optional<int> height = sides.size() == 2 ? wholeIn(sides[1], 60, largestPicture) : std::nullopt;
+    if (!width || !height)
+        return fault("--size", options.size,
+                     "WIDTHxHEIGHT in pixels, such as 1200x900, from 150x60 to " + std::to_string(largestPicture) + "x" +
+                         std::to_string(largestPicture));
+    window.width = static_cast<float>(*width);
+    window.height = static_cast<float>(*height);
+    return true;
+}
+
+/// Takes all options that need a model. The scale comes last: "auto" looks at the plane that the others choose.
+bool takeOptions(const PlotOptions& options, Program& program) {
+    SimState& sim = program.sim;
+    if (options.hasTitle) sim.graphTitle = options.title;
+    return takeQuantity(options, sim, program.ui.NV_dsp.Combo1) && takeComponent(options, sim) &&
+           takeAxes(options, sim) && takeSlices(options, sim) && takeZoom(options, sim) &&
+           takeSize(options, program.ui.NV_out.form) && takeScale(options, sim);
+}
+
+} // namespace
+
+int plotGeometry(const PlotOptions& options) {
+    const std::optional<PictureFormat> format = pictureFormat(options.output);
+    if (!format) {
+        fault("--output", options.output, "a name that ends in .png, .svg, .pdf or .bmp");
+        return exitBadUse;
+    }
+    Console console;
+    connectConsole(console);
+    Program& program = console.program;
+    startProgram(program, {absolutePath("."), "norvane", {}});
+    ExitStatus status = loadFor(console, options.geometry);
+    if (status == exitDone) status = standModel(console, options.state);
+    if (status != exitDone) return status;
+    if (!takeOptions(options, program)) return exitBadUse;
+
+    Surface& surface = program.ui.NV_out.Picture1;
+    surface.scaleWidth = program.ui.NV_out.form.width;
+    surface.scaleHeight = program.ui.NV_out.form.height;
+    const bool isPage = *format == PictureFormat::svg || *format == PictureFormat::pdf;
+    const auto picture = isPage ? drawOnPage(surface, *format) : drawOnImage(surface);
+    plotField(program.sim, program.ui);
+    const FileResult written = writePicture(*picture, options.output, *format);
+    if (written) return exitDone;
+    std::fprintf(stderr, "%s can't be written: %s\n", options.output.c_str(), written.reason.c_str());
+    return exitFileFault;
+}
+
+} // namespace norvane

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace norvane {
+
+/// The options as typed; an empty text means that the option was not given.
+struct PlotOptions {
+    std::string geometry;
+    std::string output;
+    bool state = false; ///< recalls the saved state
+    std::string quantity;
+    std::string component;
+    std::vector<std::string> slices; ///< "3=4": dimension 3 at slice 4
+    std::string columns;             ///< dimension across
+    std::string rows;                ///< dimension downward
+    std::string scale;               ///< "290:400" or "auto"
+    std::string zoom;                ///< "1,2", a stretch for each dimension
+    std::string title;
+    bool hasTitle = false;
+    std::string size; ///< "1200x900" pixels
+};
+
+/// Draws a picture of a geometry without a window; the ending of its name tells the format. Gives the exit status. A
+/// fault of an option is told with the option's name and what it may be.
+int plotGeometry(const PlotOptions& options);
+
+} // namespace norvane

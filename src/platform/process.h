@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace norvane {
+
+constexpr int processNotFound = -1;
+
+/// Runs another program, found on the search path, to its end. Gives its exit status, processNotFound where there is no
+/// such program, another negative number where it ended without a status.
+int runProcess(const std::vector<std::string>& arguments);
+
+} // namespace norvane
