@@ -163,8 +163,8 @@ int runGeometry(const RunOptions& options) {
     const ExitStatus loaded = loadFor(run.console, options.geometry);
     if (loaded != exitDone) return loaded;
     run.frames.prefix = absolutePath(program.sim.inputDir + "/" + program.sim.baseName + "_");
-    if (options.radiation && !succeeds(run.console, [&] { importViewFactors(program.sim, program.ui); }))
-        return exitFileFault;
+    if (options.radiation) importViewFactors(program.sim, program.ui);
+    if (options.radiation && program.sim.radActive != 1) return exitFileFault; // told by a message
     catchSignals();
     if (options.recall) {
         if (!succeeds(run.console, [&] { recallState(program.sim, program.ui); })) return exitFileFault;
