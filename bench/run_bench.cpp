@@ -63,6 +63,7 @@ void steps(benchmark::State& state) {
     const auto cellSteps = static_cast<double>(state.iterations()) * model.sim.nCells;
     state.counters["cell-steps/s"] = benchmark::Counter(cellSteps, benchmark::Counter::kIsRate);
 }
+
 BENCHMARK(steps)->Name("steps/1-D")->Args({10000, 1, 1})->Unit(benchmark::kMillisecond);
 BENCHMARK(steps)->Name("steps/2-D")->Args({100, 100, 1})->Args({1000, 1000, 1})->Unit(benchmark::kMillisecond);
 BENCHMARK(steps)->Name("steps/3-D")->Args({30, 30, 30})->Args({100, 100, 100})->Unit(benchmark::kMillisecond);
@@ -75,6 +76,7 @@ void loadAndBuild(benchmark::State& state) {
         benchmark::DoNotOptimize(model.sim.cellVolume[1]);
     }
 }
+
 BENCHMARK(loadAndBuild)->Arg(500)->Arg(2000)->Unit(benchmark::kMillisecond);
 
 } // namespace

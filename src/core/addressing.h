@@ -15,8 +15,8 @@ inline std::int64_t rowAlong(const SimState& sim, std::int64_t cell, int dim) {
     return index >= 0 ? index / stride : -((-index + stride - 1) / stride);
 }
 
-/// Whether two numbers lie in the same row along `dim`. This one test ends a dimension: it refuses the number that would
-/// wrap into the next row as well as numbers below 1 and above nCells.
+/// Whether two numbers lie in the same row along `dim`. This one test ends a dimension: it refuses the number that
+/// would wrap into the next row as well as numbers below 1 and above nCells.
 inline bool inSameRow(const SimState& sim, std::int64_t cell, std::int64_t other, int dim) {
     return rowAlong(sim, cell, dim) == rowAlong(sim, other, dim);
 }

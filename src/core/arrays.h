@@ -10,7 +10,8 @@
 namespace norvane {
 
 /// Values with the inclusive index range [first .. first + size - 1].
-template <class T> class Array {
+template <class T>
+class Array {
 public:
     Array() = default;
 
@@ -21,6 +22,7 @@ public:
     }
 
     T& operator[](std::int64_t index) { return values_[position(index)]; }
+
     const T& operator[](std::int64_t index) const { return values_[position(index)]; }
 
     bool contains(std::int64_t index) const {
@@ -38,7 +40,8 @@ private:
 };
 
 /// Values with two indices, cells [0 .. cells] and components [first .. last]; the cells of a component are contiguous.
-template <class T> class CellTable {
+template <class T>
+class CellTable {
 public:
     CellTable() = default;
 
@@ -51,10 +54,13 @@ public:
     }
 
     T& operator()(std::int64_t cell, std::int64_t component) { return values_[position(cell, component)]; }
+
     const T& operator()(std::int64_t cell, std::int64_t component) const { return values_[position(cell, component)]; }
 
     std::int64_t firstComponent() const { return first_; }
+
     std::int64_t lastComponent() const { return last_; }
+
     bool hasCell(std::int64_t cell) const { return cell >= 0 && cell <= cells_; }
 
 private:
@@ -70,7 +76,8 @@ private:
 };
 
 /// A CellTable for each of the six Runge-Kutta slots, behind one another: slots [0 .. 5].
-template <class T> class StageTable {
+template <class T>
+class StageTable {
 public:
     static constexpr int slots = 6;
 
@@ -82,6 +89,7 @@ public:
         assert(index >= 0 && index < slots);
         return slots_[index];
     }
+
     const CellTable<T>& slot(int index) const {
         assert(index >= 0 && index < slots);
         return slots_[index];

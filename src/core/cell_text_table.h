@@ -19,6 +19,7 @@ public:
     explicit CellTextTable(std::string bytes);
 
     std::int64_t rowCount() const { return static_cast<std::int64_t>(rows_.size()); }
+
     std::string_view row(std::int64_t row) const;
 
     /// The text in a column, of a table with `columns` columns: the last column takes the whole rest of the row, tabs
@@ -30,6 +31,7 @@ private:
         std::size_t begin;
         std::size_t length;
     };
+
     std::string bytes_;
     std::vector<Span> rows_;
 };

@@ -31,8 +31,8 @@ void clearCheckstop(SimState& sim, const Interface& ui) {
     const FileResult written = writeFile(stopFileName, " 0 \r\n");
     if (written || sim.told.stopFile) return;
     sim.told.stopFile = true;
-    ui.showMessage("The file checkstop can't be written: " + written.reason +
-                   ".\r\nThe run goes on, but an outside process can't stop it through that file.");
+    ui.showMessage("The file checkstop can't be written: " + written.reason
+                   + ".\r\nThe run goes on, but an outside process can't stop it through that file.");
 }
 
 void pollCheckstop(SimState& sim, Interface& ui, const RunOperations& operations) {

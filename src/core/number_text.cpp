@@ -18,7 +18,8 @@ struct Digits {
 };
 
 /// The digits of any magnitude but 0, rounded to `count` of them as its exact value tells, halves to even.
-template <class T> void roundToDigits(T magnitude, int count, Digits& digits) {
+template <class T>
+void roundToDigits(T magnitude, int count, Digits& digits) {
     const auto written = std::to_chars(digits.text, digits.text + sizeof digits.text, magnitude,
                                        std::chars_format::scientific, count - 1);
     const char* mark = written.ptr;
@@ -66,7 +67,8 @@ void findDigits(double magnitude, Digits& digits) { roundToDigits(magnitude, dou
 
 /// Writes the general text of a finite magnitude other than 0 to `to` and gives its end. `digits` is the number of
 /// significant digits; whether the number has an exponent is settled after rounding to them.
-template <class T> char* writeMagnitude(char* to, T magnitude, int digits) {
+template <class T>
+char* writeMagnitude(char* to, T magnitude, int digits) {
     Digits found;
     findDigits(magnitude, found);
     const int exponent = found.exponent;
@@ -109,7 +111,8 @@ struct NumberText {
     bool negative; ///< the sign stands apart from the text
 };
 
-template <class T> NumberText magnitudeText(T value, int digits) {
+template <class T>
+NumberText magnitudeText(T value, int digits) {
     NumberText result{{}, 0, false};
     const char* word = std::isnan(value) ? "nan" : std::isinf(value) ? "inf" : value == 0 ? "0" : nullptr;
     result.negative = value < 0;
@@ -123,13 +126,15 @@ template <class T> NumberText magnitudeText(T value, int digits) {
     return result;
 }
 
-template <class T> std::string signedText(T value, int digits) {
+template <class T>
+std::string signedText(T value, int digits) {
     const NumberText number = magnitudeText(value, digits);
     std::string text = number.negative ? "-" : "";
     return text.append(number.text, number.length);
 }
 
-template <class T> void appendInFrame(std::string& text, T value, int digits) {
+template <class T>
+void appendInFrame(std::string& text, T value, int digits) {
     const NumberText number = magnitudeText(value, digits);
     text += number.negative ? '-' : ' ';
     text.append(number.text, number.length);
@@ -159,9 +164,11 @@ double outOfRangeValue(std::string_view mantissa, std::string_view exponentDigit
 } // namespace
 
 std::string generalText(float value) { return signedText(value, singleDigits); }
+
 std::string generalText(double value) { return signedText(value, doubleDigits); }
 
 void appendFramed(std::string& text, float value) { appendInFrame(text, value, singleDigits); }
+
 void appendFramed(std::string& text, double value) { appendInFrame(text, value, doubleDigits); }
 
 void appendFramed(std::string& text, std::int64_t value) {
@@ -217,7 +224,8 @@ double numericPrefix(std::string_view text) {
 
 namespace {
 
-template <class Integer> Integer limited(double value) {
+template <class Integer>
+Integer limited(double value) {
     if (std::isnan(value)) return 0;
     const double whole = std::nearbyint(value); // the default rounding mode: halves to even
     if (whole <= std::numeric_limits<Integer>::min()) return std::numeric_limits<Integer>::min();
@@ -228,6 +236,7 @@ template <class Integer> Integer limited(double value) {
 } // namespace
 
 std::int16_t toInt16(double value) { return limited<std::int16_t>(value); }
+
 std::int32_t toInt32(double value) { return limited<std::int32_t>(value); }
 
 } // namespace norvane

@@ -72,8 +72,8 @@ void updateVelocities(SimState& sim, std::int32_t cell) {
 
 void updatePressure(SimState& sim, std::int32_t cell) {
     if (sim.wallPressure[cell] < 0) return;
-    sim.pressure[cell] = static_cast<float>(double(sim.gasFactor) * double(sim.cellMass[cell]) *
-                                            double(sim.temperature[cell]) / double(sim.cellVolume[cell]));
+    sim.pressure[cell] = static_cast<float>(double(sim.gasFactor) * double(sim.cellMass[cell])
+                                            * double(sim.temperature[cell]) / double(sim.cellVolume[cell]));
 }
 
 } // namespace

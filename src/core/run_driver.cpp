@@ -17,7 +17,8 @@ namespace norvane {
 namespace {
 
 /// One quantity of one cell in all six slots.
-template <class Slots> struct SlotValues {
+template <class Slots>
+struct SlotValues {
     Slots& slots;
     std::int64_t first;
     std::int64_t second;
@@ -30,11 +31,13 @@ template <class Slots> struct SlotValues {
     }
 };
 
-template <class Slots> void formTrial(SlotValues<Slots> q, int stage, double h) {
+template <class Slots>
+void formTrial(SlotValues<Slots> q, int stage, double h) {
     q.at(workSlot) = static_cast<float>(double(q.at(committedSlot)) + h * double(q.at(stage - 1)));
 }
 
-template <class Slots> void completeStep(SlotValues<Slots> q, double dt) {
+template <class Slots>
+void completeStep(SlotValues<Slots> q, double dt) {
     const double k1 = q.at(1);
     const double k2 = q.at(2);
     const double k3 = q.at(3);
@@ -42,10 +45,14 @@ template <class Slots> void completeStep(SlotValues<Slots> q, double dt) {
     q.at(workSlot) = static_cast<float>(double(q.at(committedSlot)) + ((2 * k2 + k1) + 2 * k3 + k4) * dt / 6);
 }
 
-template <class Slots> void commit(SlotValues<Slots> q) { q.at(committedSlot) = q.at(workSlot); }
+template <class Slots>
+void commit(SlotValues<Slots> q) {
+    q.at(committedSlot) = q.at(workSlot);
+}
 
 /// Calls `work` for every quantity of a cell that the wall codes leave to be integrated.
-template <class Work> void forIntegrated(SimState& sim, std::int32_t cell, const Work& work) {
+template <class Work>
+void forIntegrated(SimState& sim, std::int32_t cell, const Work& work) {
     if (sim.wallPressure[cell] == 0)
         for (int species = 0; species <= sim.nsMax; ++species)
             work(SlotValues<SpeciesSlots>{sim.stageSpecies, species, cell});
@@ -55,7 +62,8 @@ template <class Work> void forIntegrated(SimState& sim, std::int32_t cell, const
 }
 
 /// Calls `work` for every quantity of a cell.
-template <class Work> void forAll(SimState& sim, std::int32_t cell, const Work& work) {
+template <class Work>
+void forAll(SimState& sim, std::int32_t cell, const Work& work) {
     for (int species = 0; species <= sim.nsMax; ++species)
         work(SlotValues<SpeciesSlots>{sim.stageSpecies, species, cell});
     work(SlotValues<EnergySlots>{sim.stageEnergy, cell, 0});
@@ -99,8 +107,8 @@ bool isDue(const SimState& sim, std::int32_t interval, std::int64_t remainder) {
     return (std::int64_t{sim.stepCount} - 1) % interval == remainder;
 }
 
-/// The cell of the log: zero-based coordinates 4, 16, 16 where the grid reaches so far, else limited to the last cell of
-/// each dimension. Gives 0 when the grid has no cells.
+/// The cell of the log: zero-based coordinates 4, 16, 16 where the grid reaches so far, else limited to the last cell
+/// of each dimension. Gives 0 when the grid has no cells.
 std::int32_t logCell(const SimState& sim) {
     if (sim.nCells < 1) return 0;
     constexpr std::int64_t place[] = {4, 16, 16};
@@ -126,8 +134,8 @@ void writeLogLine(SimState& sim, const Interface& ui) {
     const FileResult written = appendFile(joinPath(sim.inputDir, sim.baseName + "_log"), line);
     if (written || sim.told.log) return;
     sim.told.log = true;
-    ui.showMessage("The log file " + sim.baseName + "_log can't be written: " + written.reason +
-                   ".\r\nThe run goes on without it.");
+    ui.showMessage("The log file " + sim.baseName + "_log can't be written: " + written.reason
+                   + ".\r\nThe run goes on without it.");
 }
 
 void call(const std::function<void(SimState&, Interface&)>& operation, SimState& sim, Interface& ui) {
@@ -166,8 +174,8 @@ void runStep(SimState& sim, Interface& ui, const RunOperations& operations) {
 
 bool nestsTooDeep(const SimState& sim, const Interface& ui) {
     if (sim.runDepth < maxRunDepth) return false;
-    ui.showMessage(std::to_string(maxRunDepth) +
-                   " runs are under way on top of one another.\r\nStop them with \"disp\" before you start another.");
+    ui.showMessage(std::to_string(maxRunDepth)
+                   + " runs are under way on top of one another.\r\nStop them with \"disp\" before you start another.");
     return true;
 }
 
@@ -177,9 +185,9 @@ void tellSkippedPairs(const SimState& sim, const Interface& ui) {
     std::int64_t skipped = 0;
     for (std::int32_t pair = 1; pair <= sim.radPairCount; ++pair) skipped += pairInGrid(sim, pair) ? 0 : 1;
     if (skipped == 0) return;
-    ui.showMessage(std::to_string(skipped) + " of " + std::to_string(sim.radPairCount) +
-                   " radiation pairs name a cell that this geometry does not have.\r\n"
-                   "They are skipped. Import the view factors of this geometry with \"import rad\".");
+    ui.showMessage(std::to_string(skipped) + " of " + std::to_string(sim.radPairCount)
+                   + " radiation pairs name a cell that this geometry does not have.\r\n"
+                     "They are skipped. Import the view factors of this geometry with \"import rad\".");
 }
 
 } // namespace

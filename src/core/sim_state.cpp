@@ -64,10 +64,10 @@ bool allocateState(SimState& sim) {
 
 double stateBytes(int nDim, int nsMax, std::int64_t nCells) {
     const double species = static_cast<double>(nsMax) + 1;
-    const double singles = 6 * (species + 1 + nDim)  // conserved state
-                           + species + 2.0 * nDim    // concentration, velocity, velocityInit
-                           + 6.0 * nDim              // sizes, positions, areas, coefficients
-                           + 10;                     // fields with one value a cell
+    const double singles = 6 * (species + 1 + nDim) // conserved state
+                           + species + 2.0 * nDim   // concentration, velocity, velocityInit
+                           + 6.0 * nDim             // sizes, positions, areas, coefficients
+                           + 10;                    // fields with one value a cell
     const double codes = nDim + 1 + 3;
     return (static_cast<double>(nCells) + 1) * (4 * singles + 2 * codes);
 }

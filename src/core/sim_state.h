@@ -28,16 +28,23 @@ enum RunMode : std::int16_t {
 /// Masses of all species in all slots: [0..5][0..nsMax][0..nCells], kg in the cell.
 struct SpeciesSlots : StageTable<float> {
     float& operator()(int slot, std::int64_t species, std::int64_t cell) { return this->slot(slot)(cell, species); }
-    float operator()(int slot, std::int64_t species, std::int64_t cell) const { return this->slot(slot)(cell, species); }
+
+    float operator()(int slot, std::int64_t species, std::int64_t cell) const {
+        return this->slot(slot)(cell, species);
+    }
 };
+
 /// Heat content in all slots: [0..5][0..nCells], J in the cell.
 struct EnergySlots : StageTable<float> {
     float& operator()(int slot, std::int64_t cell) { return this->slot(slot)(cell, 0); }
+
     float operator()(int slot, std::int64_t cell) const { return this->slot(slot)(cell, 0); }
 };
+
 /// Momentum in all slots: [0..5][0..nCells][1..nDim], kg m/s, on the UPPER face of the cell in that dimension.
 struct MomentumSlots : StageTable<float> {
     float& operator()(int slot, std::int64_t cell, std::int64_t dim) { return this->slot(slot)(cell, dim); }
+
     float operator()(int slot, std::int64_t cell, std::int64_t dim) const { return this->slot(slot)(cell, dim); }
 };
 
@@ -68,28 +75,28 @@ struct SimState {
     std::int16_t nDim = 0;  ///< dimensions in use; 0: no geometry is loaded
     std::int16_t nsMax = 0; ///< highest species index (key NS)
     std::int32_t nCells = 0;
-    float dt = 0;                  ///< s, time step (DT)
-    std::int32_t updateEvery = 0;  ///< steps between plots (UT); 0: only the plot of the last step
-    std::int32_t saveEvery = 0;    ///< steps between state saves (ST); 0: none
-    std::int32_t frameEvery = 0;   ///< steps between snapshots (FT); 0: none
-    std::int32_t logEvery = 0;     ///< steps between log lines (LT); 0 or less: none
-    std::int32_t rampSteps = 0;    ///< length of the ramp of imposed velocities, in steps (TR)
-    std::int16_t cyFlag = 0;       ///< value of key CY; kept, and read by nothing
-    std::int32_t stepCount = 0;    ///< steps begun since the start of the run
-    std::int32_t stopStep = 0;     ///< step at which the run ends; negative: no limit
-    std::int16_t stopFlag = 0;     ///< 1 asks the run loop to end after the step in hand
+    float dt = 0;                 ///< s, time step (DT)
+    std::int32_t updateEvery = 0; ///< steps between plots (UT); 0: only the plot of the last step
+    std::int32_t saveEvery = 0;   ///< steps between state saves (ST); 0: none
+    std::int32_t frameEvery = 0;  ///< steps between snapshots (FT); 0: none
+    std::int32_t logEvery = 0;    ///< steps between log lines (LT); 0 or less: none
+    std::int32_t rampSteps = 0;   ///< length of the ramp of imposed velocities, in steps (TR)
+    std::int16_t cyFlag = 0;      ///< value of key CY; kept, and read by nothing
+    std::int32_t stepCount = 0;   ///< steps begun since the start of the run
+    std::int32_t stopStep = 0;    ///< step at which the run ends; negative: no limit
+    std::int16_t stopFlag = 0;    ///< 1 asks the run loop to end after the step in hand
     std::int16_t runMode = modeStart;
-    std::int16_t batchMode = 0;    ///< 1: started by a program name that ends in "_"
-    std::int16_t stageWork = 0;    ///< slot that updatePrimitives works on: workSlot from the first run on
-    float gasFactor = 0;           ///< J/(kg K), pressure[0] / (temperature[0] density[0])
-    float rhoFloor = 0;            ///< kg/m3; a cell with no more than this does not donate in advection
-    double sigmaRoot = 0;          ///< fourth root of the radiation constant
-    std::int16_t radActive = 0;    ///< 1 once view factors have been imported
+    std::int16_t batchMode = 0; ///< 1: started by a program name that ends in "_"
+    std::int16_t stageWork = 0; ///< slot that updatePrimitives works on: workSlot from the first run on
+    float gasFactor = 0;        ///< J/(kg K), pressure[0] / (temperature[0] density[0])
+    float rhoFloor = 0;         ///< kg/m3; a cell with no more than this does not donate in advection
+    double sigmaRoot = 0;       ///< fourth root of the radiation constant
+    std::int16_t radActive = 0; ///< 1 once view factors have been imported
     std::int32_t radPairCount = 0;
-    std::int32_t openError = 0;    ///< error number of the last open of a state, view factor or spectrum file
+    std::int32_t openError = 0; ///< error number of the last open of a state, view factor or spectrum file
 
     // --- the table as read, and the names that follow from its file --------------------------------------------------
-    CellTextTable grid;            ///< texts of the table: columns [1..gridCols], rows [1..rowCount]
+    CellTextTable grid; ///< texts of the table: columns [1..gridCols], rows [1..rowCount]
     std::int32_t gridCols = 0;
     std::int32_t firstLayerRow = 0; ///< row of the first L row; rows 1 to here hold defaults
     std::int32_t layerRows = 0;     ///< distance of two L rows: data rows of a layer plus 1
@@ -138,8 +145,8 @@ struct SimState {
     /// [0..nCells][0..nDim] (WV): 0 free, positive closed upper face, -2 imposed with a ramp, other negative imposed.
     /// Element 0 is the code of the whole cell; other than 0 it also takes drag and gravity from the cell.
     CellTable<std::int16_t> wallVelocity;
-    Array<std::int16_t> wallPressure;      ///< [0..nCells] (WP): not 0: masses held; negative: pressure held, with a sink
-    Array<std::int16_t> wallTemperature;   ///< [0..nCells] (WT): positive: energy held; negative: temperature held
+    Array<std::int16_t> wallPressure;    ///< [0..nCells] (WP): not 0: masses held; negative: pressure held, with a sink
+    Array<std::int16_t> wallTemperature; ///< [0..nCells] (WT): positive: energy held; negative: temperature held
     Array<std::int16_t> wallConcentration; ///< [0..nCells] (WC): negative: concentrations held; 1: exchange of 0 and 1
 
     // --- what is shown -------------------------------------------------------------------------------------------
@@ -154,8 +161,8 @@ struct SimState {
     std::string graphTitle;
 
     // --- book-keeping of the loop --------------------------------------------------------------------------------
-    int runDepth = 0;     ///< runs that are under way, each suspended in a yield of the next
-    bool loading = false; ///< a load is under way
+    int runDepth = 0;       ///< runs that are under way, each suspended in a yield of the next
+    bool loading = false;   ///< a load is under way
     bool onlyLooks = false; ///< a program that draws or exports: stop file, log and plot file are left as they are
     RunOutcome outcome;
     ToldFaults told;
@@ -171,7 +178,8 @@ bool allocateState(SimState& sim);
 /// Bytes that allocateState needs for such a grid, the texts of the table not counted.
 double stateBytes(int nDim, int nsMax, std::int64_t nCells);
 
-/// Forgets the geometry: nDim and nCells 0, arrays of a grid without cells, so that no command finds a mix of two grids.
+/// Forgets the geometry: nDim and nCells 0, arrays of a grid without cells, so that no command finds a mix of two
+/// grids.
 void clearGeometry(SimState& sim);
 
 } // namespace norvane

@@ -24,8 +24,7 @@ void addDragAndGravity(SimState& sim, int stage, std::int32_t cell) {
 void addSink(SimState& sim, int stage, std::int32_t cell) {
     if (sim.wallPressure[cell] >= 0) return;
     double netInflow = 0;
-    for (int species = 0; species <= sim.nsMax; ++species)
-        netInflow += double(sim.stageSpecies(stage, species, cell));
+    for (int species = 0; species <= sim.nsMax; ++species) netInflow += double(sim.stageSpecies(stage, species, cell));
     const double makeUp = 0 - netInflow;
     accumulate(sim.stageEnergy(stage, cell), makeUp * double(sim.temperature[cell]) * double(sim.heatCapacity[cell]));
     for (int dim = 1; dim <= sim.nDim; ++dim)
@@ -74,8 +73,8 @@ void radiationPairs(SimState& sim, int stage) {
         // The root scales the temperatures, so that their fourth powers stay far from the limits of a single.
         const auto firstScaled = static_cast<float>(sim.sigmaRoot * double(sim.temperature[first]));
         const auto secondScaled = static_cast<float>(sim.sigmaRoot * double(sim.temperature[second]));
-        const auto flow = static_cast<float>((fourthPower(firstScaled) - fourthPower(secondScaled)) *
-                                             double(sim.radFactor[pair]));
+        const auto flow =
+            static_cast<float>((fourthPower(firstScaled) - fourthPower(secondScaled)) * double(sim.radFactor[pair]));
         if (sim.wallTemperature[first] <= 0) accumulate(sim.stageEnergy(stage, first), -double(flow));
         if (second >= 1 && sim.wallTemperature[second] <= 0) accumulate(sim.stageEnergy(stage, second), double(flow));
     }

@@ -7,8 +7,8 @@ namespace norvane {
 
 namespace {
 
-/// One face as a visiting cell sees it. Flow and coefficients belong to the lower cell, the carried values to the donor,
-/// whichever side the visitor is on: so what one cell gains the other loses.
+/// One face as a visiting cell sees it. Flow and coefficients belong to the lower cell, the carried values to the
+/// donor, whichever side the visitor is on: so what one cell gains the other loses.
 struct Face {
     int dim;
     bool isUpper;           ///< it is the upper face of the visiting cell

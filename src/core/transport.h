@@ -9,8 +9,8 @@ namespace norvane {
 ///   stage      slot [1..4] that is written, at this cell only
 ///   cell       [1..nCells]
 ///   faceIndex  [1..2 nDim]; odd: lower face, even: upper face, dimension by dimension
-/// Reads the primitive fields, the momentum of the work slot, coefficients and wall codes. A face is visited from both of
-/// its cells, and both visits form the same flow. Faults: none; infinities and NaNs pass through.
+/// Reads the primitive fields, the momentum of the work slot, coefficients and wall codes. A face is visited from both
+/// of its cells, and both visits form the same flow. Faults: none; infinities and NaNs pass through.
 void faceTerms(SimState& sim, int stage, std::int32_t cell, int faceIndex);
 
 } // namespace norvane

@@ -90,24 +90,22 @@ bool fitsMemory(std::int64_t rows) {
 }
 
 /// Gives false where memory is short.
-bool formatSpectrum(SimState& sim, std::int32_t pointCount, std::string& text) try {
+bool formatSpectrum(SimState& sim, std::int32_t pointCount, std::string& text) {
     const std::int64_t rows = std::int64_t{pointCount} + 1;
     if (!fitsMemory(rows)) return false;
-    text.reserve(static_cast<std::size_t>(rows) * rowLimit);
-    const std::vector<double> zeros(static_cast<std::size_t>(sim.nDim) + 1);
-    Sample sample{zeros, zeros, zeros};
-    for (std::int64_t row = 0; row < rows; ++row) {
-        drawWaveVector(sim, sample);
-        sumOverCells(sim, sample);
-        appendRow(text, lengthOf(sim, sample.waveVector), powerOf(sim, sample));
+    try {
+        text.reserve(static_cast<std::size_t>(rows) * rowLimit);
+        const std::vector<double> zeros(static_cast<std::size_t>(sim.nDim) + 1);
+        Sample sample{zeros, zeros, zeros};
+        for (std::int64_t row = 0; row < rows; ++row) {
+            drawWaveVector(sim, sample);
+            sumOverCells(sim, sample);
+            appendRow(text, lengthOf(sim, sample.waveVector), powerOf(sim, sample));
+        }
+        return true;
+    } catch (const std::bad_alloc&) {
+    } catch (const std::length_error&) { // a length beyond what the library's strings can count
     }
-    return true;
-
-} catch (const std::bad_alloc&) {
-    return false;
-
-} catch (const std::length_error&) { // a length beyond what the library's strings can count
-
     return false;
 }
 

@@ -80,18 +80,16 @@ void appendPrimitives(std::string& text, const SimState& sim) {
 }
 
 /// Gives false where memory is short.
-bool formatState(const SimState& sim, std::string& text) try {
-    text.reserve(textLimit(sim));
-    appendHeader(text, sim);
-    appendConserved(text, sim);
-    appendPrimitives(text, sim);
-    return true;
-
-} catch (const std::bad_alloc&) {
-    return false;
-
-} catch (const std::length_error&) { // a length beyond what the library's strings can count
-
+bool formatState(const SimState& sim, std::string& text) {
+    try {
+        text.reserve(textLimit(sim));
+        appendHeader(text, sim);
+        appendConserved(text, sim);
+        appendPrimitives(text, sim);
+        return true;
+    } catch (const std::bad_alloc&) {
+    } catch (const std::length_error&) { // a length beyond what the library's strings can count
+    }
     return false;
 }
 

@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <new>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -116,14 +115,15 @@ void takeTable(SimState& sim, const PairTable& table) {
 }
 
 /// Gives what is wrong with the file; empty when its table is in force.
-std::string importTable(SimState& sim, std::string bytes) try {
-    const std::string text = toUtf8(std::move(bytes));
-    RadReader reader{{text}, sim.nCells, 0, 0, {}, {}};
-    if (readTable(reader)) takeTable(sim, reader.table);
-    return reader.fault;
-
-} catch (const std::bad_alloc&) {
-    return "there is not enough memory for its records";
+std::string importTable(SimState& sim, std::string bytes) {
+    try {
+        const std::string text = toUtf8(std::move(bytes));
+        RadReader reader{{text}, sim.nCells, 0, 0, {}, {}};
+        if (readTable(reader)) takeTable(sim, reader.table);
+        return reader.fault;
+    } catch (const std::bad_alloc&) {
+        return "there is not enough memory for its records";
+    }
 }
 
 } // namespace

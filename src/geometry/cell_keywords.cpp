@@ -20,12 +20,15 @@ std::string upperCased(std::string_view text) {
 }
 
 void storeNumber(double number, float& target) { target = static_cast<float>(number); }
+
 void storeNumber(double number, std::int16_t& target) { target = toInt16(number); }
+
 void storeNumber(double number, std::int32_t& target) { target = toInt32(number); }
 
 void commasToPoints(std::string& text) { std::replace(text.begin(), text.end(), ',', '.'); }
 
-template <class Target> void parseKeyValue(std::string& text, std::string_view key, Target& target) {
+template <class Target>
+void parseKeyValue(std::string& text, std::string_view key, Target& target) {
     commasToPoints(text);
     const std::size_t at = text.find(key);
     if (at == std::string::npos) return;
@@ -62,16 +65,16 @@ void parseKeyList(std::string& text, std::string_view key, CellTable<Element>& a
         const auto index = static_cast<float>(numericPrefix(view.substr(from, semicolon - from)));
         const auto value = static_cast<float>(numericPrefix(view.substr(semicolon + 1)));
         // The index is held against the range as read: 2.4 is above 2, though it would be made whole to 2.
-        const bool inRange = index >= static_cast<float>(array.firstComponent()) &&
-                             index <= static_cast<float>(array.lastComponent());
+        const bool inRange =
+            index >= static_cast<float>(array.firstComponent()) && index <= static_cast<float>(array.lastComponent());
         if (inRange && array.hasCell(cell)) storeNumber(double(value), array(cell, toInt32(double(index))));
     }
 }
 
-template void parseKeyList(
-    std::string& text, std::string_view key, CellTable<float>& array, std::int32_t cell, int nDim);
-template void parseKeyList(
-    std::string& text, std::string_view key, CellTable<std::int16_t>& array, std::int32_t cell, int nDim);
+template void
+parseKeyList(std::string& text, std::string_view key, CellTable<float>& array, std::int32_t cell, int nDim);
+template void
+parseKeyList(std::string& text, std::string_view key, CellTable<std::int16_t>& array, std::int32_t cell, int nDim);
 
 void parseCellKeys(SimState& sim, std::string& text, std::int32_t cell) {
     const int nDim = sim.nDim;

@@ -15,7 +15,8 @@ std::string upperCased(std::string_view text);
 
 /// Calls `take(item)` for every item of a cell text (its parts between ":", empty ones left out), in capitals. The item
 /// is a std::string& of the walk's own: what a reader changes in it stays changed for the readers behind.
-template <class Take> void forEachItem(std::string_view text, const Take& take) {
+template <class Take>
+void forEachItem(std::string_view text, const Take& take) {
     std::string item;
     while (!text.empty()) {
         const std::size_t colon = text.find(':');
@@ -34,9 +35,10 @@ void storeNumber(double number, std::int32_t& target);
 /// Replaces every comma by a point: the first act of each reader, in place.
 void commasToPoints(std::string& text);
 
-/// Plain form, "TT 300": stores the number behind the first `key`, 0 where none stands there. Without the key the target
-/// stays. For whole numbers and singles.
-template <class Target> void parseKeyValue(std::string& text, std::string_view key, Target& target);
+/// Plain form, "TT 300": stores the number behind the first `key`, 0 where none stands there. Without the key the
+/// target stays. For whole numbers and singles.
+template <class Target>
+void parseKeyValue(std::string& text, std::string_view key, Target& target);
 
 /// Indexed form, "GG 2;-9.81": stores the numbers between the first `key` and the ";" behind it, and behind that ";".
 /// Without the key or the ";" both targets stay.

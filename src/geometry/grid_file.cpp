@@ -65,15 +65,14 @@ bool readTable(Load& load) {
     CellTextTable table(toUtf8(std::move(bytes)));
     load.rowCount = table.rowCount();
     if (load.rowCount == 0)
-        return fail(load, "The geometry file " + sim.fileName + " is empty: it has no row 1." + lineEnd +
-                              "Save the table of the geometry as tab-separated text under this name.");
+        return fail(load, "The geometry file " + sim.fileName + " is empty: it has no row 1." + lineEnd
+                              + "Save the table of the geometry as tab-separated text under this name.");
     ui.NV_in.Text1.text = std::to_string(load.rowCount);
 
     const std::string_view firstRow = table.row(1);
     const std::int64_t columns = std::count(firstRow.begin(), firstRow.end(), '\t') + 1;
     for (std::int64_t column = 1; column <= columns; ++column) ui.yieldToInterface();
-    ui.NV_in.Text1.text =
-        " rows: " + std::to_string(load.rowCount) + lineEnd + " columns: " + std::to_string(columns);
+    ui.NV_in.Text1.text = " rows: " + std::to_string(load.rowCount) + lineEnd + " columns: " + std::to_string(columns);
     if (columns > maxInt16)
         return failAt(load, 1, std::to_string(columns) + " columns. A grid has at most 32767 cells along a dimension.");
     if (load.rowCount > maxInt32) return fail(load, sim.fileName + " has more rows than can be counted.");
@@ -97,8 +96,8 @@ bool scanFirstColumn(Load& load, std::string& lastText) {
         if (sim.firstLayerRow == 0) sim.firstLayerRow = static_cast<std::int32_t>(row);
     }
     if (highestSpecies < 0 || highestSpecies > maxInt16)
-        return failAt(load, speciesRow, "NS " + std::to_string(highestSpecies) +
-                                            ". The highest species index lies between 0 and 32767.");
+        return failAt(load, speciesRow,
+                      "NS " + std::to_string(highestSpecies) + ". The highest species index lies between 0 and 32767.");
     sim.nsMax = static_cast<std::int16_t>(highestSpecies);
     return true;
 }
@@ -114,7 +113,8 @@ bool deduceDimensions(Load& load, std::string& lastText) {
     std::int32_t dimensions = 0;
     parseKeyValue(lastText, "L", dimensions);
     if (dimensions > maxInt16)
-        return failAt(load, load.rowCount, "the number behind the L is beyond 32767. It tells the number of dimensions.");
+        return failAt(load, load.rowCount,
+                      "the number behind the L is beyond 32767. It tells the number of dimensions.");
     if (dimensions < 3) dimensions = 3;
     if (dimensions == 3 && load.layerCount == 1) dimensions = load.rowCount - 2 == 1 ? 1 : 2;
     sim.nDim = static_cast<std::int16_t>(dimensions);
@@ -123,21 +123,21 @@ bool deduceDimensions(Load& load, std::string& lastText) {
     if (sim.layerRows <= 1) return fail(load, "Layersize <= 1!");
     if (sim.layerRows - 1 > maxInt16)
         return failAt(load, sim.firstLayerRow,
-                      "the layer has " + std::to_string(sim.layerRows - 1) +
-                          " rows. A grid has at most 32767 cells along a dimension.");
+                      "the layer has " + std::to_string(sim.layerRows - 1)
+                          + " rows. A grid has at most 32767 cells along a dimension.");
     return true;
 }
 
 std::string unequalLayersText(std::int64_t row, std::int32_t mark) {
-    return "row :" + std::to_string(row) + lineEnd + "The layers are not of equal size." + lineEnd +
-           "The 'L' symbol of layer " + std::to_string(mark) + " was not found at the correct spot." + lineEnd +
-           "-Remember the row with defaults at the top should also be selected" + lineEnd +
-           "-Remember the last row with 'L' should also be selected";
+    return "row :" + std::to_string(row) + lineEnd + "The layers are not of equal size." + lineEnd
+           + "The 'L' symbol of layer " + std::to_string(mark) + " was not found at the correct spot." + lineEnd
+           + "-Remember the row with defaults at the top should also be selected" + lineEnd
+           + "-Remember the last row with 'L' should also be selected";
 }
 
 std::string misplacedMarkText(std::int64_t row, int dim) {
-    return "Row :" + std::to_string(row) + lineEnd + "A slice nr of " + std::to_string(dim) + " or" +
-           std::to_string(dim + 1) + lineEnd + " was not found at the correct spot.";
+    return "Row :" + std::to_string(row) + lineEnd + "A slice nr of " + std::to_string(dim) + " or"
+           + std::to_string(dim + 1) + lineEnd + " was not found at the correct spot.";
 }
 
 /// Shows a message about a row that is out of place, and tells whether the load may go on.
@@ -148,8 +148,8 @@ bool tellLayerFault(Load& load, std::int64_t row, const std::string& text) {
     return failAt(load, row, "too many rows are out of place; the load ends here, and no geometry is loaded.");
 }
 
-/// Counts the cells along one dimension [3..nDim] by its layer marks, which lie at multiples of `rowStep`; a mark of the
-/// next dimension makes that step longer.
+/// Counts the cells along one dimension [3..nDim] by its layer marks, which lie at multiples of `rowStep`; a mark of
+/// the next dimension makes that step longer.
 bool countLayers(Load& load, int dim, std::int64_t& rowStep) {
     SimState& sim = load.sim;
     for (std::int64_t k = 1;;) {
@@ -170,8 +170,8 @@ bool countLayers(Load& load, int dim, std::int64_t& rowStep) {
             return true;
         }
         if (!counts && !isLast)
-            return fail(load, misplacedMarkText(row, dim) + lineEnd + "Mend the mark in " + sim.fileName +
-                                  " and load it again: no geometry is loaded.");
+            return fail(load, misplacedMarkText(row, dim) + lineEnd + "Mend the mark in " + sim.fileName
+                                  + " and load it again: no geometry is loaded.");
         if (!counts && !tellLayerFault(load, row, misplacedMarkText(row, dim))) return false;
         if (isLast) return true;
         k += 1;
@@ -207,14 +207,14 @@ bool createArrays(Load& load) {
         if (allocateState(sim)) return true;
     }
     return failAt(load, load.rowCount,
-                  "the model of this table needs " + std::to_string(static_cast<std::int64_t>(needed / 1e6)) +
-                      " MB of memory, more than there is. Draw a coarser grid, or take fewer species.");
+                  "the model of this table needs " + std::to_string(static_cast<std::int64_t>(needed / 1e6))
+                      + " MB of memory, more than there is. Draw a coarser grid, or take fewer species.");
 }
 
 bool loadTable(Load& load) {
     std::string lastText;
-    return readTable(load) && scanFirstColumn(load, lastText) && deduceDimensions(load, lastText) &&
-           countCells(load) && createArrays(load);
+    return readTable(load) && scanFirstColumn(load, lastText) && deduceDimensions(load, lastText) && countCells(load)
+           && createArrays(load);
 }
 
 } // namespace

@@ -79,7 +79,9 @@ void parseElement(std::string& item, std::string_view key, Array<float>& array) 
 struct Spread {
     std::int16_t index = 0;
     float value = -1;
+
     bool given() const { return value > -1; }
+
     int dim() const { return std::abs(int{index}); }
 };
 
@@ -130,8 +132,9 @@ std::int32_t readDefaults(SimState& sim, bool keepDisplay) {
     return stepLimit;
 }
 
-/// Makes every cell a copy of the template, at rest, with a closed face at the upper end of every row. What the template
-/// does not pass on (velocityInit, the other wall codes) holds what the cell's keys write again in step with each build.
+/// Makes every cell a copy of the template, at rest, with a closed face at the upper end of every row. What the
+/// template does not pass on (velocityInit, the other wall codes) holds what the cell's keys write again in step with
+/// each build.
 void copyTemplate(SimState& sim) {
     for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
         sim.density[cell] = sim.density[0];
@@ -306,8 +309,8 @@ void emptyLog(SimState& sim, const Interface& ui) {
     const FileResult written = writeFile(joinPath(sim.inputDir, sim.baseName + "_log"), {});
     if (written) return;
     sim.told.log = true;
-    ui.showMessage("The log file " + sim.baseName + "_log can't be written: " + written.reason +
-                   ".\r\nThe run goes on without it.");
+    ui.showMessage("The log file " + sim.baseName + "_log can't be written: " + written.reason
+                   + ".\r\nThe run goes on without it.");
 }
 
 } // namespace
@@ -325,8 +328,7 @@ void buildModel(SimState& sim, Interface& ui) {
     setScalarDefaults(sim);
     if (!continues) setDisplayDefaults(sim);
     const std::int32_t stepLimit = readDefaults(sim, continues);
-    sim.gasFactor =
-        static_cast<float>(double(sim.pressure[0]) / (double(sim.temperature[0]) * double(sim.density[0])));
+    sim.gasFactor = static_cast<float>(double(sim.pressure[0]) / (double(sim.temperature[0]) * double(sim.density[0])));
     copyTemplate(sim);
 
     readCellTexts(sim);

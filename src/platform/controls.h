@@ -28,11 +28,13 @@ struct Selector {
     bool visible = true;
 
     int listCount() const { return static_cast<int>(entries.size()); }
+
     void clear() {
         entries.clear();
         text.clear();
         listIndex = -1;
     }
+
     /// Selects an entry; an index that the list does not have selects nothing and leaves the text.
     void select(int index) {
         listIndex = index >= 0 && index < listCount() ? index : -1;

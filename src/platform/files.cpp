@@ -11,10 +11,10 @@
 #include <system_error>
 
 #ifdef _WIN32
-#include <io.h>
-#include <windows.h>
+#    include <io.h>
+#    include <windows.h>
 #else
-#include <unistd.h>
+#    include <unistd.h>
 #endif
 
 namespace norvane {
@@ -24,6 +24,7 @@ namespace {
 struct Closer {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
+
 using File = std::unique_ptr<std::FILE, Closer>;
 
 FileResult failure(int number) {
@@ -39,8 +40,8 @@ File openFile(const std::string& path, const char* mode) {
     using std::filesystem::file_type;
     const bool isReading = mode[0] == 'r' && mode[1] == 'b';
     const bool isDevice = type == file_type::character || type == file_type::block;
-    if (type == file_type::directory || type == file_type::fifo || type == file_type::socket ||
-        (isDevice && isReading)) {
+    if (type == file_type::directory || type == file_type::fifo || type == file_type::socket
+        || (isDevice && isReading)) {
         errno = type == file_type::directory ? EISDIR : EINVAL;
         return nullptr;
     }
@@ -92,7 +93,9 @@ std::string absolutePath(const std::string& path) {
     return whole.string();
 }
 
-std::string folderOf(const std::string& path) { return std::filesystem::path(absolutePath(path)).parent_path().string(); }
+std::string folderOf(const std::string& path) {
+    return std::filesystem::path(absolutePath(path)).parent_path().string();
+}
 
 std::string nameOf(const std::string& path) { return std::filesystem::path(path).filename().string(); }
 
@@ -114,7 +117,9 @@ FileResult readFile(const std::string& path, std::string& content) try {
     const bool failed = std::ferror(file.get()) != 0;
     content.resize(failed ? 0 : length);
     return failed ? failure(errno) : FileResult{};
+
 } catch (const std::exception&) { // no memory for so much
+
     content = std::string();
     return failure(ENOMEM);
 }
@@ -161,7 +166,8 @@ std::vector<std::string> listFiles(const std::string& folder, const std::string&
     std::filesystem::directory_iterator entry(folder, failed);
     for (; !failed && entry != std::filesystem::directory_iterator(); entry.increment(failed)) {
         const std::string name = entry->path().filename().string();
-        const bool fits = name.size() >= ending.size() && lower(name.substr(name.size() - ending.size())) == lower(ending);
+        const bool fits =
+            name.size() >= ending.size() && lower(name.substr(name.size() - ending.size())) == lower(ending);
         std::error_code unknown;
         if (fits && !entry->is_directory(unknown)) names.push_back(name);
     }

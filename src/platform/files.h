@@ -13,6 +13,7 @@ namespace norvane {
 struct FileResult {
     int error = 0;
     std::string reason;
+
     explicit operator bool() const { return error == 0; }
 };
 
@@ -36,8 +37,8 @@ FileResult writeFile(const std::string& path, std::string_view content);
 /// Adds bytes behind the end of a file, which is created if need be.
 FileResult appendFile(const std::string& path, std::string_view content);
 
-/// Writes over the old content in place without emptying it first, cuts the file to its new length and flushes it to the
-/// disc, so that a full disc or a crash costs as little of the old content as it can.
+/// Writes over the old content in place without emptying it first, cuts the file to its new length and flushes it to
+/// the disc, so that a full disc or a crash costs as little of the old content as it can.
 FileResult overwriteFile(const std::string& path, std::string_view content);
 
 /// Opens for writing without changing the content, creating the file if need be, and closes: what a write would meet.

@@ -3,11 +3,11 @@
 #include <cerrno>
 
 #ifdef _WIN32
-#include <process.h>
+#    include <process.h>
 #else
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#    include <spawn.h>
+#    include <sys/wait.h>
+#    include <unistd.h>
 extern char** environ;
 #endif
 

@@ -23,10 +23,10 @@ struct Surface {
     float scaleWidth = 568;  ///< inner size
     float scaleHeight = 690; ///< inner size
     Color foreColor;
-    int drawWidth = 1;    ///< thickness of lines
-    float fontSize = 8;   ///< points
+    int drawWidth = 1;  ///< thickness of lines
+    float fontSize = 8; ///< points
     bool fontBold = false;
-    float currentX = 0;   ///< where the next text begins, its top left corner
+    float currentX = 0; ///< where the next text begins, its top left corner
     float currentY = 0;
 
     /// Gives the image the size scaleWidth by scaleHeight; called by the plot when it has set them anew.

@@ -26,8 +26,8 @@ void click(Program& program, const Button& button);
 /// Sets the path of Dir1 and raises its Change event: File1 follows, without a selection.
 void setDirectory(Program& program, const std::string& path);
 
-/// A request to close a form by its title bar. The form always stays: the command window and the plot window bring up the
-/// exit question and stop a run, the other two refuse.
+/// A request to close a form by its title bar. The form always stays: the command window and the plot window bring up
+/// the exit question and stop a run, the other two refuse.
 void requestClose(Program& program, const Form& form);
 
 /// A form has got a new inner size, which its record holds already.

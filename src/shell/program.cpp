@@ -16,9 +16,9 @@ namespace norvane {
 namespace {
 
 /// Entry k stands for quantity k + 1.
-constexpr const char* quantityNames[] = {"Temperature", "Velocity",      "Std Velocity", "Pressure",
-                                         "Density",     "Concentration", "X",            "dx",
-                                         "dh",          "at",            "VectorPlot"};
+constexpr const char* quantityNames[] = {"Temperature",   "Velocity", "Std Velocity", "Pressure", "Density",
+                                         "Concentration", "X",        "dx",           "dh",       "at",
+                                         "VectorPlot"};
 
 bool startsInBatchMode(const std::string& programName) {
     const std::string stem = std::filesystem::path(programName).stem().string();
@@ -30,10 +30,10 @@ std::string batchGeometry(Program& program, const ProgramStart& start) {
     if (!start.geometry.empty()) return start.geometry;
     const std::vector<std::string> names = listFiles(start.folder, FileList::ending);
     if (names.size() == 1) return joinPath(start.folder, names.front());
-    program.ui.showMessage((names.empty() ? "There is no geometry (*.gmt) beside the program.\r\n"
-                                          : "There are " + std::to_string(names.size()) +
-                                                " geometries (*.gmt) beside the program.\r\n") +
-                           "Name the one to run as the argument of the program, or put it alone beside the program.");
+    program.ui.showMessage(
+        (names.empty() ? "There is no geometry (*.gmt) beside the program.\r\n"
+                       : "There are " + std::to_string(names.size()) + " geometries (*.gmt) beside the program.\r\n")
+        + "Name the one to run as the argument of the program, or put it alone beside the program.");
     return {};
 }
 

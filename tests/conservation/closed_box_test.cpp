@@ -45,8 +45,8 @@ TEST(closedBox, keepsAGasIsothermal) {
 TEST(closedBox, comesToHydrostaticBalance) {
     TestProgram test;
     // A column of 10 cells of 0.1 m under gravity, with viscosity and drag to bring it to rest.
-    test.load("DT 1E-4:NT 60000:UT 0:DD 2;0.1:DD 1;0.1:TT 300:PP 1000:RH 1:RR 20\nGG 2;9.81\nL\n" + std::string(10, '\n') +
-              "L");
+    test.load("DT 1E-4:NT 60000:UT 0:DD 2;0.1:DD 1;0.1:TT 300:PP 1000:RH 1:RR 20\nGG 2;9.81\nL\n"
+              + std::string(10, '\n') + "L");
     ASSERT_EQ(test.sim.nDim, 2);
     test.click("NV_in.Command2");
     for (std::int32_t cell = 1; cell < 10; ++cell) {

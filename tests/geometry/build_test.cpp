@@ -33,7 +33,8 @@ std::vector<float> values(const SimState& sim, const Array<float>& field) {
     return result;
 }
 
-template <class T> std::vector<T> values(const SimState& sim, const CellTable<T>& field, int component) {
+template <class T>
+std::vector<T> values(const SimState& sim, const CellTable<T>& field, int component) {
     std::vector<T> result;
     for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) result.push_back(field(cell, component));
     return result;
@@ -138,8 +139,8 @@ TEST(build, resolvesWallCodes) {
 
 TEST(build, startsImposedVelocitiesAtTheMassFlowOfTheTemplate) {
     TestProgram test;
-    test.build(table("TR 4:TT 300", {"TT 600:VV 1;8:WV 1;-1", "TT 600:VV 1;8:WV 1;-2", "", "TT 600:VV 1;8",
-                                     "TT 600:VV 1;8:WV 0;-1"}));
+    test.build(table("TR 4:TT 300",
+                     {"TT 600:VV 1;8:WV 1;-1", "TT 600:VV 1;8:WV 1;-2", "", "TT 600:VV 1;8", "TT 600:VV 1;8:WV 0;-1"}));
     EXPECT_FLOAT_EQ(test.sim.velocity(1, 1), 16);
     EXPECT_FLOAT_EQ(test.sim.velocity(2, 1), 4);
     EXPECT_EQ(test.sim.velocity(4, 1), 8);

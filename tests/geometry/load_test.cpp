@@ -123,7 +123,8 @@ TEST(load, refusesNumbersAndGridsThatItCannotHold) {
 }
 
 TEST(load, refusesAMarkWithNoWayOn) {
-    expectRefused("L\n\nL5\n\nL", "Row :3\r\nA slice nr of 3 or4\r\n was not found at the correct spot.\r\nMend the mark");
+    expectRefused("L\n\nL5\n\nL",
+                  "Row :3\r\nA slice nr of 3 or4\r\n was not found at the correct spot.\r\nMend the mark");
 }
 
 TEST(load, refusesFilesThatItCannotRead) {
@@ -140,9 +141,10 @@ TEST(load, tellsOfUnequalLayersAndGoesOn) {
     TestProgram test;
     const auto messages = test.load("L\n\n\nL\n\n\n\n\nL");
     ASSERT_EQ(messages.size(), 2u);
-    EXPECT_EQ(messages[0], "row :5\r\nThe layers are not of equal size.\r\nThe 'L' symbol of layer 0 was not found at the "
-                           "correct spot.\r\n-Remember the row with defaults at the top should also be selected\r\n"
-                           "-Remember the last row with 'L' should also be selected");
+    EXPECT_EQ(messages[0],
+              "row :5\r\nThe layers are not of equal size.\r\nThe 'L' symbol of layer 0 was not found at the "
+              "correct spot.\r\n-Remember the row with defaults at the top should also be selected\r\n"
+              "-Remember the last row with 'L' should also be selected");
     EXPECT_THAT(shape(test.sim), ElementsAre(1, 3, 2));
 }
 

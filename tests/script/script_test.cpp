@@ -4,7 +4,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
 #include <sys/wait.h>
 
 #include <cstdio>
@@ -68,21 +67,22 @@ TEST(script, printsWhatAPersonWouldHaveSeen) {
                                                 "click NV_einde.Command2\n"
                                                 "print NV_in\n");
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.out, "NV_in.File1:  of \"N.GMT\" \"m.gmt\"\n"
-                           "message: You have defined the cell structure: \\r\\nD=1 : 3 Cells\\r\\nD=2 : 2 Cells\\r\\n\n"
-                           "NV_in.Text1:  rows: 5\\r\\n columns: 3\n"
-                           "shown: NV_out\n"
-                           "NV_in.Text1: 1\n"
-                           "NV_einde: hidden \"You Called?\"\n"
-                           "shown: NV_einde\n"
-                           "NV_einde: visible \"You Called?\"\n"
-                           "hidden: NV_einde\n"
-                           "NV_in.Text1: 11\n"
-                           "NV_dsp.zzoom(1): a\\tb\\\\\n"
-                           "NV_dsp.Dimen: visible -1 of\n"
-                           "ask: Title graph [m] -> Tube\\t1\n"
-                           "ask: Title graph [Tube\\t1] -> \n"
-                           "ended\n");
+    EXPECT_EQ(outcome.out,
+              "NV_in.File1:  of \"N.GMT\" \"m.gmt\"\n"
+              "message: You have defined the cell structure: \\r\\nD=1 : 3 Cells\\r\\nD=2 : 2 Cells\\r\\n\n"
+              "NV_in.Text1:  rows: 5\\r\\n columns: 3\n"
+              "shown: NV_out\n"
+              "NV_in.Text1: 1\n"
+              "NV_einde: hidden \"You Called?\"\n"
+              "shown: NV_einde\n"
+              "NV_einde: visible \"You Called?\"\n"
+              "hidden: NV_einde\n"
+              "NV_in.Text1: 11\n"
+              "NV_dsp.zzoom(1): a\\tb\\\\\n"
+              "NV_dsp.Dimen: visible -1 of\n"
+              "ask: Title graph [m] -> Tube\\t1\n"
+              "ask: Title graph [Tube\\t1] -> \n"
+              "ended\n");
 }
 
 TEST(script, tellsTheLineOfAFaultAndEndsThere) {
@@ -158,10 +158,11 @@ TEST(commandLine, aSignalOrTheStopFileEndsARunInOrder) {
     TestProgram test;
     test.write("m.gmt", "DT 1E-6:NT -1:UT 0\nL\n\nL");
     const std::string program = NORVANE_PROGRAM;
-    for (const char* act : {"kill -INT $pid", "kill -TERM $pid", "while [ ! -s checkstop ]; do sleep 0.05; done; echo 1 > checkstop"}) {
+    for (const char* act :
+         {"kill -INT $pid", "kill -TERM $pid", "while [ ! -s checkstop ]; do sleep 0.05; done; echo 1 > checkstop"}) {
         // A shell ignores interrupts for what it starts in the background; env puts the default back.
-        test.write("act.sh", "env --default-signal=INT " + program + " run m.gmt > out & pid=$!\nsleep 0.5\n" + act +
-                                 "\nwait $pid\necho status $?\n");
+        test.write("act.sh", "env --default-signal=INT " + program + " run m.gmt > out & pid=$!\nwhile [ ! -s out ]; do sleep 0.05; done\n" + act
+                                 + "\nwait $pid\necho status $?\n");
         std::FILE* pipe = ::popen("sh act.sh", "r");
         char text[64] = "";
         ASSERT_NE(std::fgets(text, sizeof text, pipe), nullptr);

@@ -43,7 +43,8 @@ TEST(commands, contDirectlyAfterALoadActsAsRecalc) {
 }
 
 /// Loads a run of 10 steps and performs `act` in yield `yield` of step 4, once.
-template <class Act> void runWith(TestProgram& test, int yield, const Act& act) {
+template <class Act>
+void runWith(TestProgram& test, int yield, const Act& act) {
     int count = 0;
     bool done = false;
     test.ui.stepBegan = [&] { count = 0; };

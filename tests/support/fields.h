@@ -7,7 +7,8 @@ namespace norvane {
 
 inline double totalMass(const SimState& sim, int species) {
     double sum = 0;
-    for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) sum += double(sim.stageSpecies(committedSlot, species, cell));
+    for (std::int32_t cell = 1; cell <= sim.nCells; ++cell)
+        sum += double(sim.stageSpecies(committedSlot, species, cell));
     return sum;
 }
 

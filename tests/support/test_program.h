@@ -24,8 +24,8 @@ public:
     SimState& sim = program.sim;
     Interface& ui = program.ui;
     std::filesystem::path folder;
-    std::vector<std::string> messages; ///< since the start or since takeMessages
-    std::vector<std::string> events;   ///< "shown: FORM", "hidden: FORM", "beep", "ended"
+    std::vector<std::string> messages;              ///< since the start or since takeMessages
+    std::vector<std::string> events;                ///< "shown: FORM", "hidden: FORM", "beep", "ended"
     std::deque<std::optional<std::string>> answers; ///< for input boxes; none: the default text
 
     /// Writes a geometry, selects and imports it. Gives the messages of the load.

@@ -49,13 +49,14 @@ TEST(run, continuedAfterAStopEqualsAnUninterruptedOne) {
 }
 
 TEST(run, convergesWithTheFourthOrderOfItsSteps) {
-    // Exchange of heat between two closed cells, where the exact decay is known. Differences at halved steps fall by 16.
+    // Exchange of heat between two closed cells, where the exact decay is known. Differences at halved steps fall
+    // by 16.
     const auto difference = [](const char* steps) {
         TestProgram test;
         test.load(std::string(steps) + ":LA 200:UT 0:CP 1000:RH 1:PP 1E5:TT 300\t\nL\t\nWV 1;1:TT 100\tTT 900\nL\t");
         test.click("NV_in.Command2");
-        return double(test.sim.stageEnergy(0, 2)) / (1000 * double(test.sim.cellMass[2])) -
-               double(test.sim.stageEnergy(0, 1)) / (1000 * double(test.sim.cellMass[1]));
+        return double(test.sim.stageEnergy(0, 2)) / (1000 * double(test.sim.cellMass[2]))
+               - double(test.sim.stageEnergy(0, 1)) / (1000 * double(test.sim.cellMass[1]));
     };
     const double coarse = difference("DT 8E-5:NT 3");
     const double medium = difference("DT 4E-5:NT 5");
@@ -114,7 +115,8 @@ TEST(schedule, aRunWithoutALimitMakesOneStepOrGoesOnUntilItIsStopped) {
 TEST(log, holdsVelocityAndPressureOfItsCellAndStartsAnewOnlyWithANewGeometry) {
     TestProgram test;
     test.write("m_log", "old");
-    test.load("DT 1E-5:NT 3:LT 2:UT 0\t\t\t\t\t\nL\t\t\t\t\t\nWT -1:TT 200\tWP -1\tWP -1\tWP -1\tPP 5E4:WP -1\tWP -1\nL\t\t\t\t\t");
+    test.load("DT 1E-5:NT 3:LT 2:UT 0\t\t\t\t\t\nL\t\t\t\t\t\nWT -1:TT 200\tWP -1\tWP -1\tWP -1\tPP 5E4:WP -1\tWP "
+              "-1\nL\t\t\t\t\t");
     test.click("NV_in.Command2");
     const std::string log = test.read("m_log");
     EXPECT_THAT(log, testing::MatchesRegex("-[0-9.E-]+ \t 50000 \r\n-[0-9.E-]+ \t 50000 \r\n"));
@@ -146,7 +148,8 @@ TEST(stopFile, stopsARunWithTheExitQuestionAndIsClearedAgain) {
         test.click("NV_in.Command2");
         return test.sim.stepCount;
     };
-    for (const char* content : {"2", "", "1x", "one", "-1", "\xff\xfe\x31"}) EXPECT_EQ(putAtStep(10, content), 31) << content;
+    for (const char* content : {"2", "", "1x", "one", "-1", "\xff\xfe\x31"})
+        EXPECT_EQ(putAtStep(10, content), 31) << content;
     EXPECT_THAT(test.events, ElementsAre("shown: NV_out"));
     for (const char* content : {"1", " 1 \r\n", "1\t0", "1,0"}) EXPECT_EQ(putAtStep(10, content), 11) << content;
     EXPECT_THAT(test.events, ElementsAre("shown: NV_out", "shown: NV_einde"));

@@ -32,8 +32,8 @@ TEST(conduction, differenceDecaysAsAnExponential) {
     const double coefficient = test.sim.conductionCoef(1, 1);
     const double rate = coefficient / (1000 * mass[0]) + coefficient / (1000 * mass[1]);
     // 100 whole steps stand in the committed state of step 101.
-    const double difference = double(test.sim.stageEnergy(0, 2)) / (1000 * mass[1]) -
-                              double(test.sim.stageEnergy(0, 1)) / (1000 * mass[0]);
+    const double difference =
+        double(test.sim.stageEnergy(0, 2)) / (1000 * mass[1]) - double(test.sim.stageEnergy(0, 1)) / (1000 * mass[0]);
     const double expected = 100 * std::exp(-rate * 0.1);
     EXPECT_LT(expected, 60);
     EXPECT_NEAR(difference, expected, 0.01) << "rounding of 100 steps at 400 K is below 100 * 400 * 2^-24 = 0.0024";
@@ -42,8 +42,8 @@ TEST(conduction, differenceDecaysAsAnExponential) {
 TEST(advection, carriesTheDonorsValuesAndBothCellsUseTheSameFlow) {
     for (const char* velocity : {"VV 1;5", "VV 1;-5"}) {
         TestProgram test;
-        test.build("NS 1:DT 1E-5:LA 0:ET 0\t\t\nL\t\t\nCC 1;0.25:" + std::string(velocity) +
-                   ":TT 300\tDD 1;0.03:TT 400:CC 1;0.75\tWV 1;1\nL\t\t");
+        test.build("NS 1:DT 1E-5:LA 0:ET 0\t\t\nL\t\t\nCC 1;0.25:" + std::string(velocity)
+                   + ":TT 300\tDD 1;0.03:TT 400:CC 1;0.75\tWV 1;1\nL\t\t");
         SimState& sim = test.sim;
         sim.velocity(2, 1) = 0; // only the first face flows
         sim.stageMomentum(workSlot, 2, 1) = 0;

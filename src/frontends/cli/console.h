@@ -11,9 +11,9 @@ namespace norvane {
 
 struct Console {
     Program program;
-    std::int64_t messages = 0;                      ///< all that the program has shown
-    std::int64_t densityMessages = 0;               ///< those of them about negative density
-    std::function<void()> beforeMessage = [] {};    ///< makes room for a line
+    std::int64_t messages = 0;                   ///< all that the program has shown
+    std::int64_t densityMessages = 0;            ///< those of them about negative density
+    std::function<void()> beforeMessage = [] {}; ///< makes room for a line
 };
 
 /// Connects the program with the terminal. The console must stay where it is.

@@ -45,8 +45,8 @@ void takeFrame(Frames& frames, SimState& sim, Interface& ui) {
     if (frames.result)
         frames.paths.push_back(absolutePath(path));
     else
-        ui.showMessage("The picture " + path + " can't be written: " + frames.result.reason +
-                       ".\r\nThe run goes on without pictures.");
+        ui.showMessage("The picture " + path + " can't be written: " + frames.result.reason
+                       + ".\r\nThe run goes on without pictures.");
 }
 
 std::string makeMovie(const Frames& frames, const std::string& path) {

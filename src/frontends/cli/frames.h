@@ -1,9 +1,9 @@
 #pragma once
 // Pictures of a run at regular steps, and a film of them.
 
+#include "core/sim_state.h"
 #include "platform/files.h"
 #include "platform/interface.h"
-#include "core/sim_state.h"
 
 #include <string>
 #include <vector>

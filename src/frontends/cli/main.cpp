@@ -34,9 +34,8 @@ constexpr const char* runHelp =
 
 constexpr const char* plotHelp = "Draw a picture of a geometry, as it starts or with --state as it was saved.";
 
-constexpr const char* spectrumHelp =
-    "Write the velocity spectrum of a geometry into the file NV_spectrum beside it:\n"
-    "a row for each random wave vector, with its length and the power found there.";
+constexpr const char* spectrumHelp = "Write the velocity spectrum of a geometry into the file NV_spectrum beside it:\n"
+                                     "a row for each random wave vector, with its length and the power found there.";
 
 constexpr const char* scriptHelp =
     "Drive the whole program without a window: the commands of FILE stand for a person's clicks,\n"
@@ -73,14 +72,18 @@ CLI::App* addRun(CLI::App& app, RunOptions& options) {
 CLI::App* addPlot(CLI::App& app, PlotOptions& options) {
     CLI::App* plot = app.add_subcommand("plot", plotHelp);
     addGeometry(plot, options.geometry);
-    plot->add_option("-o,--output", options.output, "the picture; .png, .svg, .pdf or .bmp")->type_name("FILE")->required();
+    plot->add_option("-o,--output", options.output, "the picture; .png, .svg, .pdf or .bmp")
+        ->type_name("FILE")
+        ->required();
     plot->add_flag("--state", options.state, "recall the saved state first");
     plot->add_option("--quantity", options.quantity, "what to show, by its name in the list of the panel");
     plot->add_option("--component", options.component, "total, x, y, z or the number of a dimension or species");
-    plot->add_option("--slice", options.slices, "DIMENSION=SLICE, for each dimension that is not drawn; from 0")->type_name("D=N");
+    plot->add_option("--slice", options.slices, "DIMENSION=SLICE, for each dimension that is not drawn; from 0")
+        ->type_name("D=N");
     plot->add_option("--columns", options.columns, "the dimension that is drawn across")->type_name("D");
     plot->add_option("--rows", options.rows, "the dimension that is drawn downward")->type_name("D");
-    plot->add_option("--scale", options.scale, "the ends of the colour scale; auto fits them to the plane")->type_name("LOW:HIGH");
+    plot->add_option("--scale", options.scale, "the ends of the colour scale; auto fits them to the plane")
+        ->type_name("LOW:HIGH");
     plot->add_option("--zoom", options.zoom, "a stretch for each dimension, such as 1,2");
     plot->add_option("--title", options.title, "the title of the plot");
     plot->add_option("--size", options.size, "pixels, such as 1200x900")->type_name("WxH");

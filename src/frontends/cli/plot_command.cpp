@@ -159,8 +159,8 @@ bool takeSize(const PlotOptions& options, Form& window) {
     const std::optional<int> height = sides.size() == 2 ? wholeIn(sides[1], 60, largestPicture) : std::nullopt;
     if (!width || !height)
         return fault("--size", options.size,
-                     "WIDTHxHEIGHT in pixels, such as 1200x900, from 150x60 to " + std::to_string(largestPicture) + "x" +
-                         std::to_string(largestPicture));
+                     "WIDTHxHEIGHT in pixels, such as 1200x900, from 150x60 to " + std::to_string(largestPicture) + "x"
+                         + std::to_string(largestPicture));
     window.width = static_cast<float>(*width);
     window.height = static_cast<float>(*height);
     return true;
@@ -170,9 +170,9 @@ bool takeSize(const PlotOptions& options, Form& window) {
 bool takeOptions(const PlotOptions& options, Program& program) {
     SimState& sim = program.sim;
     if (options.hasTitle) sim.graphTitle = options.title;
-    return takeQuantity(options, sim, program.ui.NV_dsp.Combo1) && takeComponent(options, sim) &&
-           takeAxes(options, sim) && takeSlices(options, sim) && takeZoom(options, sim) &&
-           takeSize(options, program.ui.NV_out.form) && takeScale(options, sim);
+    return takeQuantity(options, sim, program.ui.NV_dsp.Combo1) && takeComponent(options, sim) && takeAxes(options, sim)
+           && takeSlices(options, sim) && takeZoom(options, sim) && takeSize(options, program.ui.NV_out.form)
+           && takeScale(options, sim);
 }
 
 } // namespace

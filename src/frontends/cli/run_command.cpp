@@ -14,9 +14,9 @@
 #include <cstdio>
 
 #ifdef _WIN32
-#include <io.h>
+#    include <io.h>
 #else
-#include <unistd.h>
+#    include <unistd.h>
 #endif
 
 namespace norvane {
@@ -99,7 +99,8 @@ void catchSignals() {
 }
 
 /// Performs an act that tells its faults by messages; gives false after one.
-template <class Act> bool succeeds(const Console& console, const Act& act) {
+template <class Act>
+bool succeeds(const Console& console, const Act& act) {
     const std::int64_t messagesBefore = console.messages;
     act();
     return console.messages == messagesBefore;
@@ -132,11 +133,13 @@ void tellEnd(ConsoleRun& run) {
     const RunOutcome& outcome = sim.outcome;
     run.progress.wipe();
     tellHeldBackMessages(run.console);
-    const std::string end = "Step " + std::to_string(sim.stepCount) + " after " + spanText(run.progress.seconds()) + ": ";
+    const std::string end =
+        "Step " + std::to_string(sim.stepCount) + " after " + spanText(run.progress.seconds()) + ": ";
     if (outcome.negativeDensity)
         std::fprintf(stderr, "%sthe run ended by negative density. Try a smaller time step DT.\n", end.c_str());
     else
-        say(run, end + (outcome.reachedStopStep ? "the run reached its stop step."
+        say(run, end
+                     + (outcome.reachedStopStep ? "the run reached its stop step."
                         : outcome.stopFile      ? "the run was stopped by the file checkstop."
                                                 : "the run was stopped by a signal."));
 }

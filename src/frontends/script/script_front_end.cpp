@@ -52,7 +52,8 @@ Form* findForm(Interface& ui, const std::string& name) {
     return nullptr;
 }
 
-template <class Control> struct NamedControl {
+template <class Control>
+struct NamedControl {
     std::string name;
     Control* control;
 };
@@ -76,7 +77,8 @@ std::vector<NamedControl<Selector>> selectors(Interface& ui) {
     return all;
 }
 
-template <class Control> Control* findControl(const std::vector<NamedControl<Control>>& all, const std::string& name) {
+template <class Control>
+Control* findControl(const std::vector<NamedControl<Control>>& all, const std::string& name) {
     for (const NamedControl<Control>& candidate : all)
         if (candidate.name == name) return candidate.control;
     return nullptr;
@@ -137,8 +139,8 @@ void chooseEntry(ScriptRun& run, const ScriptLine& line, std::string_view rest) 
     if (selector == nullptr) endWithUnknownControl(line, name, "choose from");
     int index = 0;
     if (!readWhole(trimmed(rest), index) || index < 0 || index >= selector->listCount())
-        endWithFault(line, name + " has no entry \"" + std::string(trimmed(rest)) + "\"; it has " +
-                               std::to_string(selector->listCount()) + ", counted from 0");
+        endWithFault(line, name + " has no entry \"" + std::string(trimmed(rest)) + "\"; it has "
+                               + std::to_string(selector->listCount()) + ", counted from 0");
     selector->select(index);
     raiseSelectorClick(run.program, *selector);
 }
@@ -162,13 +164,13 @@ void printControl(ScriptRun& run, const ScriptLine& line, const std::string& nam
     } else if (const TextBox* box = findControl(textBoxes(ui), name)) {
         printLine(name + ": " + escaped(box->text));
     } else if (const Selector* selector = findControl(selectors(ui), name)) {
-        printLine(name + (selector->visible ? ": visible " : ": hidden ") + std::to_string(selector->listIndex) +
-                  listedEntries(selector->entries));
+        printLine(name + (selector->visible ? ": visible " : ": hidden ") + std::to_string(selector->listIndex)
+                  + listedEntries(selector->entries));
     } else if (name == "NV_in.Dir1") {
         printLine(name + ": " + escaped(ui.NV_in.Dir1.path));
     } else if (name == "NV_in.File1") {
-        printLine(name + ": " + escaped(ui.NV_in.File1.selected) +
-                  listedEntries(listFiles(ui.NV_in.File1.path, FileList::ending)));
+        printLine(name + ": " + escaped(ui.NV_in.File1.selected)
+                  + listedEntries(listFiles(ui.NV_in.File1.path, FileList::ending)));
     } else {
         endWithUnknownControl(line, name, "print");
     }
@@ -178,8 +180,8 @@ void awaitYield(ScriptRun& run, const ScriptLine& line, std::string_view rest) {
     const std::string moment = takeWord(rest);
     const std::size_t point = moment.find('.');
     Awaited awaited;
-    if (point == std::string::npos || !readWhole(std::string_view(moment).substr(0, point), awaited.step) ||
-        !readWhole(std::string_view(moment).substr(point + 1), awaited.yield))
+    if (point == std::string::npos || !readWhole(std::string_view(moment).substr(0, point), awaited.step)
+        || !readWhole(std::string_view(moment).substr(point + 1), awaited.yield))
         endWithFault(line, "a moment is written STEP.K, such as 40.2");
     if (trimmed(rest).empty()) endWithFault(line, "there is no command behind the moment");
     awaited.command = {line.number, std::string(rest)};

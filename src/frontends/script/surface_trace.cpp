@@ -33,13 +33,13 @@ void traceSurface(Surface& surface, const std::function<void(const std::string& 
         next();
     };
     surface.print = [print, &surface, next = surface.print](const std::string& text) {
-        print("draw: text" + numbers({surface.currentX, surface.currentY, surface.fontSize}) +
-              (surface.fontBold ? " bold" : " plain") + colorText(surface.foreColor) + " \"" + escaped(text) + "\"");
+        print("draw: text" + numbers({surface.currentX, surface.currentY, surface.fontSize})
+              + (surface.fontBold ? " bold" : " plain") + colorText(surface.foreColor) + " \"" + escaped(text) + "\"");
         next(text);
     };
     surface.line = [print, &surface, next = surface.line](float x1, float y1, float x2, float y2) {
-        print("draw: line" + numbers({x1, y1, x2, y2}) + " " + std::to_string(surface.drawWidth) +
-              colorText(surface.foreColor));
+        print("draw: line" + numbers({x1, y1, x2, y2}) + " " + std::to_string(surface.drawWidth)
+              + colorText(surface.foreColor));
         next(x1, y1, x2, y2);
     };
     surface.box = [print, &surface, next = surface.box](float x1, float y1, float x2, float y2) {
