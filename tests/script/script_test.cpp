@@ -161,14 +161,15 @@ TEST(commandLine, aSignalOrTheStopFileEndsARunInOrder) {
     for (const char* act :
          {"kill -INT $pid", "kill -TERM $pid", "while [ ! -s checkstop ]; do sleep 0.05; done; echo 1 > checkstop"}) {
         // A shell ignores interrupts for what it starts in the background; env puts the default back.
-        test.write("act.sh", "env --default-signal=INT " + program + " run m.gmt > out & pid=$!\nwhile [ ! -s out ]; do sleep 0.05; done\n" + act
+        test.write("act.sh", "rm -f out; env --default-signal=INT timeout 100 " + program
+                                 + " run m.gmt > out & pid=$!\nwhile [ ! -s out ]; do sleep 0.05; done\n" + act
                                  + "\nwait $pid\necho status $?\n");
         std::FILE* pipe = ::popen("sh act.sh", "r");
         char text[64] = "";
         ASSERT_NE(std::fgets(text, sizeof text, pipe), nullptr);
         ::pclose(pipe);
         EXPECT_STREQ(text, "status 5\n") << act;
-        EXPECT_THAT(test.read("out"), HasSubstr("the run stopped by")) << act;
+        EXPECT_THAT(test.read("out"), HasSubstr("the run was stopped by")) << act;
     }
 }
 

@@ -1,0 +1,112 @@
+#include "frontends/desktop/command_form.h"
+
+#include "platform/files.h"
+#include "shell/command_window.h"
+
+#include <QDropEvent>
+#include <QMimeData>
+#include <QUrl>
+
+namespace norvane {
+
+namespace {
+
+/// The path of the one geometry that is dragged; empty for anything else.
+std::string draggedGeometry(const QMimeData& data) {
+    const QList<QUrl> urls = data.urls();
+    if (urls.size() != 1 || !urls.front().isLocalFile()) return {};
+    const QString path = urls.front().toLocalFile();
+    return path.endsWith(FileList::ending, Qt::CaseInsensitive) ? path.toStdString() : std::string();
+}
+
+} // namespace
+
+CommandForm::CommandForm(Program& program, Act act)
+    : FormWindow(program, program.ui.NV_in.form, std::move(act), 2640, 5370), status_(new QPlainTextEdit(this)) {
+    QPushButton* import = addButton("Command1", {0, 0, 1695, 495});
+    addButton("Command2", {0, 480, 855, 495});
+    addButton("Command5", {840, 480, 855, 495});
+    addButton("Command4", {0, 960, 855, 495});
+    addButton("Command8", {840, 960, 855, 495});
+    status_->setReadOnly(true);
+    status_->setTabChangesFocus(true);
+    status_->setLineWrapMode(QPlainTextEdit::WidgetWidth);
+    add(status_, "Text1", {0, 1440, 1695, 855}, {status_->fontMetrics().horizontalAdvance(" columns: 99999") + 16, 0});
+    describe(status_, textOf("NV_in", "Text1"));
+    addLists();
+    addButton("Command6", {0, 4920, 735, 375});
+    addButton("Command7", {720, 4920, 735, 375});
+    geometries_->entered = [import] { import->click(); };
+    setAcceptDrops(true);
+}
+
+void CommandForm::addLists() {
+    folders_ = new FolderList(this);
+    geometries_ = new GeometryList(this);
+    const QSize rows(0, 4 * folders_->fontMetrics().height());
+    add(folders_, "Dir1", {0, 2400, 2175, 990}, rows);
+    add(geometries_, "File1", {0, 3600, 2175, 1260}, rows);
+    describe(folders_, textOf("NV_in", "Dir1"));
+    describe(geometries_, textOf("NV_in", "File1"));
+    folders_->opened = [this](const std::string& path) { act_([&] { setDirectory(program_, path); }); };
+    geometries_->selected = [this](const std::string& name) { program_.ui.NV_in.File1.selected = name; };
+    connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, [this] { refreshLists(); });
+}
+
+void CommandForm::refreshLists() {
+    const CommandWindow& window = program_.ui.NV_in;
+    const QStringList wanted{QString::fromStdString(window.File1.path)};
+    if (watcher_.directories() != wanted) {
+        if (!watcher_.directories().isEmpty()) watcher_.removePaths(watcher_.directories());
+        if (!window.File1.path.empty()) watcher_.addPaths(wanted);
+    }
+    folders_->show(window.Dir1.path);
+    geometries_->show(listFiles(window.File1.path, FileList::ending), window.File1.selected);
+}
+
+void CommandForm::refreshStatus() {
+    const std::string& text = program_.ui.NV_in.Text1.text;
+    if (text == shownStatus_) return;
+    shownStatus_ = text;
+    status_->setPlainText(QString::fromStdString(text));
+}
+
+void CommandForm::refresh() {
+    refreshStatus();
+    refreshLists();
+}
+
+void CommandForm::layOut(double factor) {
+    factor_ = factor;
+    FormWindow::layOut(factor);
+    setMinimumSize(designSize());
+}
+
+/// What the window is larger than at its start goes to the lists, for long names and many of them.
+void CommandForm::resizeEvent(QResizeEvent* event) {
+    FormWindow::resizeEvent(event);
+    const QSize extra = (size() - designSize()).expandedTo({0, 0});
+    const int toFolders = extra.height() / 3;
+    for (const PlacedControl& each : controls()) {
+        QRect place = pixelRect(each.place, factor_);
+        const bool isList = each.control == folders_ || each.control == geometries_;
+        if (isList) place.setWidth(place.width() + extra.width());
+        if (each.control == folders_) place.setHeight(place.height() + toFolders);
+        if (each.control == geometries_) place.adjust(0, toFolders, 0, extra.height());
+        if (each.place.top > 4000) place.translate(0, extra.height());
+        each.control->setGeometry(place);
+    }
+}
+
+void CommandForm::dragEnterEvent(QDragEnterEvent* event) {
+    if (!draggedGeometry(*event->mimeData()).empty()) event->acceptProposedAction();
+}
+
+void CommandForm::dropEvent(QDropEvent* event) {
+    const std::string path = draggedGeometry(*event->mimeData());
+    if (path.empty()) return;
+    event->acceptProposedAction();
+    act_([&] { selectGeometry(program_, path); });
+}
+
+} // namespace norvane

@@ -1,0 +1,39 @@
+#pragma once
+// The command window.
+
+#include "frontends/desktop/form_window.h"
+#include "frontends/desktop/path_lists.h"
+
+#include <QFileSystemWatcher>
+#include <QPlainTextEdit>
+
+namespace norvane {
+
+class CommandForm : public FormWindow {
+public:
+    CommandForm(Program& program, Act act);
+
+    void layOut(double factor) override;
+    void refresh() override;
+
+    /// Shows the status alone: the one record here that a run changes.
+    void refreshStatus();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    void addLists();
+    void refreshLists();
+
+    QPlainTextEdit* status_;
+    std::string shownStatus_;
+    FolderList* folders_ = nullptr;
+    GeometryList* geometries_ = nullptr;
+    QFileSystemWatcher watcher_;
+    double factor_ = 1;
+};
+
+} // namespace norvane

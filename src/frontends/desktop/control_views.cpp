@@ -1,0 +1,63 @@
+#include "frontends/desktop/control_views.h"
+
+#include <QSignalBlocker>
+#include <QStyleOptionComboBox>
+
+namespace norvane {
+
+TextBoxView::TextBoxView(TextBox& box, QWidget* parent) : QLineEdit(parent), box_(box) {
+    connect(this, &QLineEdit::textEdited, this, [this](const QString& text) { box_.text = text.toStdString(); });
+    refresh();
+}
+
+void TextBoxView::refresh() {
+    const QString wanted = QString::fromStdString(box_.text);
+    if (text() != wanted) setText(wanted); // else the cursor stays where it is
+}
+
+QSize TextBoxView::neededSize() const {
+    constexpr int frame = 12;
+    return {fontMetrics().horizontalAdvance(QStringLiteral("-1.234567E-38")) + frame, sizeHint().height()};
+}
+
+SelectorView::SelectorView(Selector& selector, QWidget* parent) : QComboBox(parent), selector_(selector) {
+    setEditable(true);
+    setInsertPolicy(NoInsert);
+    setCompleter(nullptr);
+    setMaxVisibleItems(15);
+    // The box would pick the entry of a text that is typed out in full.
+    lineEdit()->disconnect(SIGNAL(editingFinished()), this);
+    lineEdit()->disconnect(SIGNAL(returnPressed()), this);
+    connect(lineEdit(), &QLineEdit::textEdited, this, [this](const QString& text) {
+        selector_.text = text.toStdString();
+        selector_.listIndex = -1;
+    });
+    connect(this, &QComboBox::activated, this, [this](int index) {
+        selector_.select(index);
+        if (picked) picked(selector_);
+    });
+    refresh();
+}
+
+void SelectorView::refresh() {
+    if (shownEntries_ != selector_.entries) {
+        shownEntries_ = selector_.entries;
+        const QSignalBlocker quiet(this);
+        clear();
+        for (const std::string& entry : shownEntries_) addItem(QString::fromStdString(entry));
+    }
+    if (currentIndex() != selector_.listIndex) setCurrentIndex(selector_.listIndex);
+    const QString wanted = QString::fromStdString(selector_.text);
+    if (currentText() != wanted) setEditText(wanted);
+    if (isHidden() == selector_.visible) setVisible(selector_.visible);
+}
+
+QSize SelectorView::neededSize(const QString& text) const {
+    QStyleOptionComboBox option;
+    initStyleOption(&option);
+    constexpr int cursorRoom = 8;
+    const QSize content(fontMetrics().horizontalAdvance(text) + cursorRoom, fontMetrics().height());
+    return style()->sizeFromContents(QStyle::CT_ComboBox, &option, content, this);
+}
+
+} // namespace norvane

@@ -1,0 +1,45 @@
+#pragma once
+// Controls that show a record, and copy into it what a person types or picks.
+
+#include "platform/controls.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+
+#include <functional>
+
+namespace norvane {
+
+/// A text box. It waits for OK, so typing raises nothing.
+class TextBoxView : public QLineEdit {
+public:
+    TextBoxView(TextBox& box, QWidget* parent);
+
+    void refresh();
+
+    /// Pixels that the longest text of a number takes.
+    QSize neededSize() const;
+
+private:
+    TextBox& box_;
+};
+
+/// A selector. Typed text selects nothing, even where an entry reads the same.
+class SelectorView : public QComboBox {
+public:
+    SelectorView(Selector& selector, QWidget* parent);
+
+    /// Called when a person has picked an entry, also the one that was picked already; the record shows it by then.
+    std::function<void(Selector& selector)> picked;
+
+    void refresh();
+
+    /// Pixels that the box takes to show a text.
+    QSize neededSize(const QString& text) const;
+
+private:
+    Selector& selector_;
+    std::vector<std::string> shownEntries_;
+};
+
+} // namespace norvane
