@@ -1,9 +1,9 @@
 // Speed of a run and of a load, on grids of one, two and three dimensions.
 
-#include "core/primitive_update.h"
-#include "core/run_driver.h"
+#include "core/stage_engine.h"
 #include "geometry/grid_file.h"
 #include "geometry/model_build.h"
+#include "support/plain_stage.h"
 
 #include <benchmark/benchmark.h>
 
@@ -48,25 +48,76 @@ void load(Model& model, int columns, int rows, int layers) {
     loadGeometry(model.sim, model.ui);
 }
 
-void steps(benchmark::State& state) {
-    Model model;
-    load(model, static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), static_cast<int>(state.range(2)));
-    buildModel(model.sim, model.ui);
-    model.sim.stageWork = workSlot;
-    for (auto _ : state) {
-        for (int stage = 1; stage <= 4; ++stage) {
-            formWorkState(model.sim, stage);
-            updatePrimitives(model.sim, model.ui);
-            computeSlopes(model.sim, stage);
-        }
+/// Grids by their shapes, and what they hold besides gas.
+enum Kind { uniform, mixed, walls };
+
+/// Gives every cell coefficients of its own, or lays walls and held cells into every third row.
+void vary(SimState& sim, Kind kind) {
+    for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
+        if (kind == mixed) sim.cellHeight[cell] = 1 + 0.001f * static_cast<float>(cell % 97);
+        const std::int32_t row = (cell - 1) / sim.cellCount[1];
+        if (kind == walls && row % 3 == 0 && cell % 11 < 3) sim.wallVelocity(cell, 1) = 1;
+        if (kind == walls && row % 3 == 0 && cell % 29 == 0) sim.wallTemperature[cell] = -1;
     }
-    const auto cellSteps = static_cast<double>(state.iterations()) * model.sim.nCells;
+}
+
+void countCellSteps(benchmark::State& state, const SimState& sim) {
+    const auto cellSteps = static_cast<double>(state.iterations()) * sim.nCells;
     state.counters["cell-steps/s"] = benchmark::Counter(cellSteps, benchmark::Counter::kIsRate);
 }
 
-BENCHMARK(steps)->Name("steps/1-D")->Args({10000, 1, 1})->Unit(benchmark::kMillisecond);
-BENCHMARK(steps)->Name("steps/2-D")->Args({100, 100, 1})->Args({1000, 1000, 1})->Unit(benchmark::kMillisecond);
-BENCHMARK(steps)->Name("steps/3-D")->Args({30, 30, 30})->Args({100, 100, 100})->Unit(benchmark::kMillisecond);
+void loadModel(benchmark::State& state, Model& model) {
+    load(model, static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), static_cast<int>(state.range(2)));
+    buildModel(model.sim, model.ui);
+    vary(model.sim, static_cast<Kind>(state.range(3)));
+    model.sim.stageWork = workSlot;
+}
+
+void plainSteps(benchmark::State& state) {
+    Model model;
+    loadModel(state, model);
+    for (auto _ : state) {
+        for (int stage = 1; stage <= 4; ++stage) {
+            plain::formWorkState(model.sim, stage);
+            plain::updatePrimitives(model.sim, model.ui);
+            plain::computeSlopes(model.sim, stage);
+        }
+    }
+    countCellSteps(state, model.sim);
+}
+
+/// The last argument is the number of threads.
+void engineSteps(benchmark::State& state) {
+    Model model;
+    loadModel(state, model);
+    StagePlan plan = planStages(model.sim, static_cast<int>(state.range(4)));
+    for (auto _ : state)
+        for (int stage = 1; stage <= 4; ++stage) runStage(model.sim, model.ui, plan, stage);
+    state.SetLabel(plan.kernels->name);
+    countCellSteps(state, model.sim);
+}
+
+/// A grid both ways, in turn.
+void registerGrid(const std::string& name, int columns, int rows, int layers, Kind kind) {
+    benchmark::RegisterBenchmark(("plain/" + name).c_str(), plainSteps)
+        ->Args({columns, rows, layers, kind})
+        ->Unit(benchmark::kMillisecond);
+    for (const int threads : {1, 2})
+        benchmark::RegisterBenchmark(("engine/" + name + "/threads").c_str(), engineSteps)
+            ->Args({columns, rows, layers, kind, threads})
+            ->UseRealTime()
+            ->Unit(benchmark::kMillisecond);
+}
+
+const bool registered = [] {
+    registerGrid("1-D", 10000, 1, 1, uniform);
+    registerGrid("2-D", 64, 64, 1, uniform);
+    registerGrid("2-D", 1024, 1024, 1, uniform);
+    registerGrid("3-D", 128, 128, 128, uniform);
+    registerGrid("3-D mixed", 128, 128, 128, mixed);
+    registerGrid("2-D walls", 1024, 1024, 1, walls);
+    return true;
+}();
 
 void loadAndBuild(benchmark::State& state) {
     for (auto _ : state) {

@@ -57,6 +57,10 @@ public:
 
     const T& operator()(std::int64_t cell, std::int64_t component) const { return values_[position(cell, component)]; }
 
+    /// The cells of a component, from cell 0 on.
+    T* component(std::int64_t component) { return &(*this)(0, component); }
+    const T* component(std::int64_t component) const { return &(*this)(0, component); }
+
     std::int64_t firstComponent() const { return first_; }
 
     std::int64_t lastComponent() const { return last_; }

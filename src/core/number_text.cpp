@@ -22,7 +22,7 @@ template <class T>
 void roundToDigits(T magnitude, int count, Digits& digits) {
     const auto written = std::to_chars(digits.text, digits.text + sizeof digits.text, magnitude,
                                        std::chars_format::scientific, count - 1);
-    const char* mark = written.ptr;
+    const char* mark = written.ptr - 1; // not written.ptr: what lies there may happen to be an 'e'
     while (*mark != 'e') --mark;
     std::from_chars(mark + (mark[1] == '+' ? 2 : 1), written.ptr, digits.exponent);
     digits.text[1] = digits.text[0]; // over the point

@@ -1,48 +1,10 @@
 #include "core/primitive_update.h"
 
-#include <string>
+#include "core/stage_engine.h"
 
 namespace norvane {
 
 namespace {
-
-void updateMassAndDensity(SimState& sim, std::int32_t cell) {
-    float mass = 0;
-    for (int species = 0; species <= sim.nsMax; ++species)
-        mass = static_cast<float>(double(mass) + double(sim.stageSpecies(sim.stageWork, species, cell)));
-    sim.cellMass[cell] = mass;
-    sim.density[cell] = static_cast<float>(double(mass) / double(sim.cellVolume[cell]));
-}
-
-void updateConcentrations(SimState& sim, std::int32_t cell) {
-    const double mass = sim.cellMass[cell];
-    for (int species = 0; species <= sim.nsMax; ++species) {
-        float& speciesMass = sim.stageSpecies(sim.stageWork, species, cell);
-        float& concentration = sim.concentration(cell, species);
-        if (sim.wallConcentration[cell] < 0)
-            speciesMass = static_cast<float>(double(concentration) * mass);
-        else
-            concentration = static_cast<float>(double(speciesMass) / mass);
-    }
-}
-
-void checkDensity(SimState& sim, const Interface& ui, std::int32_t cell) {
-    // "not >=" instead of "<": a NaN fails every comparison, and it has to stop the run as well.
-    if (!(sim.density[cell] >= 0.0f)) {
-        ui.showMessage("Stopped because of negative density in point " + std::to_string(cell));
-        sim.stopFlag = 1;
-        sim.outcome.negativeDensity = true;
-    }
-}
-
-void updateTemperature(SimState& sim, std::int32_t cell) {
-    float& energy = sim.stageEnergy(sim.stageWork, cell);
-    const double capacity = double(sim.heatCapacity[cell]) * double(sim.cellMass[cell]);
-    if (sim.wallTemperature[cell] < 0)
-        energy = static_cast<float>(capacity * double(sim.temperature[cell]));
-    else
-        sim.temperature[cell] = static_cast<float>(double(energy) / capacity);
-}
 
 /// The mass flow of an imposed velocity is velocityInit at the template's density, whatever the density of the cell is.
 float imposedVelocity(const SimState& sim, std::int32_t cell, int dim) {
@@ -55,38 +17,26 @@ float imposedVelocity(const SimState& sim, std::int32_t cell, int dim) {
     return static_cast<float>(ramp * init * reference / density);
 }
 
-void updateVelocities(SimState& sim, std::int32_t cell) {
-    const double mass = sim.cellMass[cell];
-    for (int dim = 1; dim <= sim.nDim; ++dim) {
-        const int code = sim.wallVelocity(cell, dim);
-        float& momentum = sim.stageMomentum(sim.stageWork, cell, dim);
-        float& velocity = sim.velocity(cell, dim);
-        if (code == 0) {
-            velocity = static_cast<float>(double(momentum) / mass);
-        } else if (code < 0) {
-            velocity = imposedVelocity(sim, cell, dim);
-            momentum = static_cast<float>(double(velocity) * mass);
-        }
-    }
-}
-
-void updatePressure(SimState& sim, std::int32_t cell) {
-    if (sim.wallPressure[cell] < 0) return;
-    sim.pressure[cell] = static_cast<float>(double(sim.gasFactor) * double(sim.cellMass[cell])
-                                            * double(sim.temperature[cell]) / double(sim.cellVolume[cell]));
-}
-
 } // namespace
 
-void updatePrimitives(SimState& sim, const Interface& ui) {
-    for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
-        updateMassAndDensity(sim, cell);
-        updateConcentrations(sim, cell);
-        checkDensity(sim, ui, cell);
-        updateTemperature(sim, cell);
-        updateVelocities(sim, cell);
-        updatePressure(sim, cell);
+void imposeHeldValues(SimState& sim, std::int32_t cell) {
+    const int work = sim.stageWork;
+    const double mass = sim.cellMass[cell];
+    for (int species = 0; sim.wallConcentration[cell] < 0 && species <= sim.nsMax; ++species)
+        sim.stageSpecies(work, species, cell) = static_cast<float>(double(sim.concentration(cell, species)) * mass);
+    if (sim.wallTemperature[cell] < 0)
+        sim.stageEnergy(work, cell) =
+            static_cast<float>(double(sim.heatCapacity[cell]) * mass * double(sim.temperature[cell]));
+    for (int dim = 1; dim <= sim.nDim; ++dim) {
+        if (sim.wallVelocity(cell, dim) >= 0) continue;
+        sim.velocity(cell, dim) = imposedVelocity(sim, cell, dim);
+        sim.stageMomentum(work, cell, dim) = static_cast<float>(double(sim.velocity(cell, dim)) * mass);
     }
+}
+
+void updatePrimitives(SimState& sim, const Interface& ui) {
+    StagePlan plan = planStages(sim);
+    derivePrimitives(sim, ui, plan);
 }
 
 } // namespace norvane

@@ -2,101 +2,17 @@
 
 #include "core/checkstop.h"
 #include "core/number_text.h"
-#include "core/primitive_update.h"
 #include "core/source_terms.h"
-#include "core/transport.h"
+#include "core/stage_engine.h"
 #include "platform/files.h"
 
 #include <algorithm>
 #include <limits>
+#include <new>
+#include <optional>
 #include <string>
-#include <type_traits>
 
 namespace norvane {
-
-namespace {
-
-/// One quantity of one cell in all six slots.
-template <class Slots>
-struct SlotValues {
-    Slots& slots;
-    std::int64_t first;
-    std::int64_t second;
-
-    float& at(int slot) {
-        if constexpr (std::is_same_v<Slots, EnergySlots>)
-            return slots(slot, first);
-        else
-            return slots(slot, first, second);
-    }
-};
-
-template <class Slots>
-void formTrial(SlotValues<Slots> q, int stage, double h) {
-    q.at(workSlot) = static_cast<float>(double(q.at(committedSlot)) + h * double(q.at(stage - 1)));
-}
-
-template <class Slots>
-void completeStep(SlotValues<Slots> q, double dt) {
-    const double k1 = q.at(1);
-    const double k2 = q.at(2);
-    const double k3 = q.at(3);
-    const double k4 = q.at(4);
-    q.at(workSlot) = static_cast<float>(double(q.at(committedSlot)) + ((2 * k2 + k1) + 2 * k3 + k4) * dt / 6);
-}
-
-template <class Slots>
-void commit(SlotValues<Slots> q) {
-    q.at(committedSlot) = q.at(workSlot);
-}
-
-/// Calls `work` for every quantity of a cell that the wall codes leave to be integrated.
-template <class Work>
-void forIntegrated(SimState& sim, std::int32_t cell, const Work& work) {
-    if (sim.wallPressure[cell] == 0)
-        for (int species = 0; species <= sim.nsMax; ++species)
-            work(SlotValues<SpeciesSlots>{sim.stageSpecies, species, cell});
-    if (sim.wallTemperature[cell] == 0) work(SlotValues<EnergySlots>{sim.stageEnergy, cell, 0});
-    for (int dim = 1; dim <= sim.nDim; ++dim)
-        if (sim.wallVelocity(cell, dim) == 0) work(SlotValues<MomentumSlots>{sim.stageMomentum, cell, dim});
-}
-
-/// Calls `work` for every quantity of a cell.
-template <class Work>
-void forAll(SimState& sim, std::int32_t cell, const Work& work) {
-    for (int species = 0; species <= sim.nsMax; ++species)
-        work(SlotValues<SpeciesSlots>{sim.stageSpecies, species, cell});
-    work(SlotValues<EnergySlots>{sim.stageEnergy, cell, 0});
-    for (int dim = 1; dim <= sim.nDim; ++dim) work(SlotValues<MomentumSlots>{sim.stageMomentum, cell, dim});
-}
-
-void clearSlopes(SimState& sim, int stage, std::int32_t cell) {
-    forAll(sim, cell, [&](auto q) { q.at(stage) = 0; });
-}
-
-} // namespace
-
-void formWorkState(SimState& sim, int stage) {
-    const double dt = sim.dt;
-    const double h = stage == 4 ? dt : dt * 0.5;
-    for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
-        if (stage == 1) {
-            forIntegrated(sim, cell, [&](auto q) { completeStep(q, dt); });
-            forAll(sim, cell, [&](auto q) { commit(q); });
-        } else {
-            forIntegrated(sim, cell, [&](auto q) { formTrial(q, stage, h); });
-        }
-    }
-}
-
-void computeSlopes(SimState& sim, int stage) {
-    for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
-        clearSlopes(sim, stage, cell);
-        for (int faceIndex = 1; faceIndex <= 2 * sim.nDim; ++faceIndex) faceTerms(sim, stage, cell, faceIndex);
-        cellSources(sim, stage, cell);
-    }
-    if (sim.radActive == 1) radiationPairs(sim, stage);
-}
 
 namespace {
 
@@ -160,14 +76,12 @@ void runSchedule(SimState& sim, Interface& ui, const RunOperations& operations) 
     pollCheckstop(sim, ui, operations);
 }
 
-void runStep(SimState& sim, Interface& ui, const RunOperations& operations) {
+void runStep(SimState& sim, Interface& ui, const RunOperations& operations, StagePlan& plan) {
     ui.stepBegan();
     if (sim.stepCount < std::numeric_limits<std::int32_t>::max()) sim.stepCount += 1;
     for (int stage = 1; stage <= 4; ++stage) {
         ui.yieldToInterface();
-        formWorkState(sim, stage);
-        updatePrimitives(sim, ui);
-        computeSlopes(sim, stage);
+        runStage(sim, ui, plan, stage);
     }
     runSchedule(sim, ui, operations);
 }
@@ -190,6 +104,16 @@ void tellSkippedPairs(const SimState& sim, const Interface& ui) {
                      "They are skipped. Import the view factors of this geometry with \"import rad\".");
 }
 
+/// Gives no plan, after a message, where memory is short.
+std::optional<StagePlan> planRun(const SimState& sim, const Interface& ui) {
+    try {
+        return planStages(sim, sim.threads);
+    } catch (const std::bad_alloc&) {
+        ui.showMessage("There is not enough memory to run this model. Draw a coarser grid.");
+        return std::nullopt;
+    }
+}
+
 } // namespace
 
 void runSimulation(SimState& sim, Interface& ui, const RunOperations& operations) {
@@ -202,12 +126,14 @@ void runSimulation(SimState& sim, Interface& ui, const RunOperations& operations
         return;
     }
     tellSkippedPairs(sim, ui);
+    std::optional<StagePlan> plan = planRun(sim, ui);
+    if (!plan) return;
     sim.stageWork = workSlot;
     sim.stopFlag = 0;
     sim.runDepth += 1;
     ui.runBegan();
     do {
-        runStep(sim, ui, operations);
+        runStep(sim, ui, operations, *plan);
     } while (sim.stopFlag != 1);
     ui.runEnded();
     sim.runDepth -= 1;

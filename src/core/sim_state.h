@@ -161,6 +161,7 @@ struct SimState {
     std::string graphTitle;
 
     // --- book-keeping of the loop --------------------------------------------------------------------------------
+    int threads = 0;      ///< of a run; 0: as suits the grid and the machine
     int runDepth = 0;       ///< runs that are under way, each suspended in a yield of the next
     bool loading = false;   ///< a load is under way
     bool onlyLooks = false; ///< a program that draws or exports: stop file, log and plot file are left as they are

@@ -7,18 +7,6 @@
 
 namespace norvane {
 
-namespace {
-
-void addDragAndGravity(SimState& sim, int stage, std::int32_t cell) {
-    if (sim.wallVelocity(cell, 0) != 0) return;
-    for (int dim = 1; dim <= sim.nDim; ++dim) {
-        float& slope = sim.stageMomentum(stage, cell, dim);
-        if (sim.wallVelocity(cell, dim) <= 0)
-            accumulate(slope, -(double(sim.velocity(cell, dim)) * double(sim.friction[cell])));
-        accumulate(slope, double(sim.gravity[dim]) * double(sim.cellMass[cell]));
-    }
-}
-
 /// The masses of a pressure-held cell are not integrated: what the faces bring in leaves again at the cell's own
 /// temperature and velocity, and what they take away is made up at them.
 void addSink(SimState& sim, int stage, std::int32_t cell) {
@@ -50,15 +38,11 @@ void addSpeciesExchange(SimState& sim, int stage, std::int32_t cell) {
     accumulate(sim.stageEnergy(stage, cell), -(flow * 208 * 1000 * 1000 / 16)); // 208 kJ/mol, 16 g/mol
 }
 
+namespace {
+
 double fourthPower(double x) { return x * x * x * x; }
 
 } // namespace
-
-void cellSources(SimState& sim, int stage, std::int32_t cell) {
-    addDragAndGravity(sim, stage, cell);
-    addSink(sim, stage, cell);
-    addSpeciesExchange(sim, stage, cell);
-}
 
 bool pairInGrid(const SimState& sim, std::int32_t pair) {
     const std::int64_t second = std::llabs(sim.radPair[1][pair]);

@@ -4,11 +4,15 @@
 
 namespace norvane {
 
-/// Adds to the slopes of a cell what does not pass through a face: drag and gravity, the sink of a pressure-held cell,
-/// the exchange between species 0 and 1. Called behind the last face of the cell: the sink balances the slopes so far.
-///   stage  slot [1..4] that is written, at this cell only;  cell [1..nCells]
-/// Faults: none; infinities and NaNs pass through.
-void cellSources(SimState& sim, int stage, std::int32_t cell);
+/// Terms of single cells [1..nCells] that add to slot `stage` [1..4] of that cell, behind its faces, drag and gravity.
+/// Each does nothing where the cell's wall codes don't ask for it. Faults: none; infinities and NaNs pass through.
+
+/// The balance of a pressure-held cell (wallPressure below 0): what the faces bring in leaves again, and what they take
+/// away is made up, at the cell's own temperature and velocity.
+void addSink(SimState& sim, int stage, std::int32_t cell);
+
+/// The exchange between species 0 and 1 (wallConcentration 1).
+void addSpeciesExchange(SimState& sim, int stage, std::int32_t cell);
 
 /// Adds the radiation between the cells of all pairs to the energy slopes, W. Cell 0 as second cell stands for the
 /// surroundings at temperature[0]. A pair with a cell that the grid does not have is skipped.

@@ -1,6 +1,5 @@
 // Terms that do not pass through a face: drag, exchange of species, radiation. The sink is a wall code's.
 
-#include "core/run_driver.h"
 #include "core/source_terms.h"
 #include "support/fields.h"
 #include "support/test_program.h"

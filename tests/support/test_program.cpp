@@ -1,5 +1,6 @@
 #include "support/test_program.h"
 
+#include "core/stage_engine.h"
 #include "shell/command_window.h"
 
 #include <gtest/gtest.h>
@@ -96,6 +97,11 @@ std::string TestProgram::read(const std::string& name) const {
 }
 
 bool TestProgram::exists(const std::string& name) const { return std::filesystem::exists(folder / name); }
+
+void computeSlopes(SimState& sim, int stage) {
+    StagePlan plan = planStages(sim);
+    computeSlopes(sim, plan, stage);
+}
 
 std::uint64_t stateHash(const SimState& sim) {
     std::uint64_t hash = 1469598103934665603u;

@@ -51,6 +51,9 @@ private:
     std::filesystem::path formerDirectory_;
 };
 
+/// The slopes of a stage of a model that may have been changed by hand.
+void computeSlopes(SimState& sim, int stage);
+
 /// A hash of all conserved and primitive fields of the cells, equal only for equal bit patterns (but for accidents).
 std::uint64_t stateHash(const SimState& sim);
 

@@ -1,6 +1,5 @@
 // Laws of what passes through a face, on cells of unequal sizes so that a missing length would show.
 
-#include "core/run_driver.h"
 #include "support/test_program.h"
 
 #include <gtest/gtest.h>

@@ -1,0 +1,481 @@
+#include "core/stage_engine.h"
+
+#include "core/addressing.h"
+#include "core/primitive_update.h"
+#include "core/source_terms.h"
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <system_error>
+
+namespace norvane {
+
+namespace {
+
+/// The first cell of a row [0..rows-1].
+std::int64_t firstCell(const StagePlan& plan, std::int64_t row) { return 1 + row * plan.rowCells; }
+
+// --- plan ------------------------------------------------------------------------------------------------------------
+
+RowTraits traitsOf(const SimState& sim, std::int64_t first, std::int64_t last) {
+    RowTraits traits;
+    for (std::int64_t cell = first; cell <= last; ++cell) {
+        traits.heldSpecies |= sim.wallPressure[cell] != 0;
+        traits.heldPressure |= sim.wallPressure[cell] < 0;
+        traits.heldEnergy |= sim.wallTemperature[cell] != 0;
+        traits.closedEnergy |= sim.wallTemperature[cell] > 0;
+        traits.heldTemperature |= sim.wallTemperature[cell] < 0;
+        traits.heldConcentration |= sim.wallConcentration[cell] < 0;
+        traits.wholeCodes |= sim.wallVelocity(cell, 0) != 0;
+    }
+    traits.closedEnd = sim.wallVelocity(last, 1) > 0;
+    return traits;
+}
+
+DimensionTraits traitsAlong(const SimState& sim, int dim, std::int64_t first, std::int64_t last) {
+    DimensionTraits traits;
+    for (std::int64_t cell = first; cell <= last; ++cell) {
+        traits.held |= sim.wallVelocity(cell, dim) != 0;
+        traits.closed |= sim.wallVelocity(cell, dim) > 0;
+    }
+    return traits;
+}
+
+bool hasImposedValue(const SimState& sim, std::int64_t cell) {
+    bool imposed = sim.wallConcentration[cell] < 0 || sim.wallTemperature[cell] < 0;
+    for (int dim = 1; dim <= sim.nDim; ++dim) imposed |= sim.wallVelocity(cell, dim) < 0;
+    return imposed;
+}
+
+bool hasSource(const SimState& sim, std::int64_t cell) {
+    return sim.wallPressure[cell] < 0 || (sim.wallConcentration[cell] == 1 && sim.nsMax >= 1);
+}
+
+void planRow(const SimState& sim, StagePlan& plan, std::int64_t row) {
+    const std::int64_t first = firstCell(plan, row);
+    const std::int64_t last = first + plan.rowCells - 1;
+    plan.rowTraits[row] = traitsOf(sim, first, last);
+    for (int dim = 1; dim <= sim.nDim; ++dim) {
+        const bool withoutEnd = dim == 1 && plan.rowTraits[row].closedEnd;
+        plan.dimensionTraits[row * sim.nDim + dim - 1] = traitsAlong(sim, dim, first, withoutEnd ? last - 1 : last);
+    }
+    for (std::int64_t cell = first; cell <= last; ++cell) {
+        if (hasImposedValue(sim, cell)) plan.imposedCells.push_back(static_cast<std::int32_t>(cell));
+        if (hasSource(sim, cell)) plan.sourceCells.push_back(static_cast<std::int32_t>(cell));
+    }
+    plan.imposedOfRow[row + 1] = static_cast<std::int64_t>(plan.imposedCells.size());
+    plan.sourcesOfRow[row + 1] = static_cast<std::int64_t>(plan.sourceCells.size());
+}
+
+// --- work state ------------------------------------------------------------------------------------------------------
+
+/// One component of a conserved quantity in a row, in all slots.
+struct SlotRows {
+    float* slot[6];
+};
+
+template <class Slots> SlotRows slotRows(Slots& slots, std::int64_t component, std::int64_t first) {
+    SlotRows rows;
+    for (int slot = 0; slot <= workSlot; ++slot) rows.slot[slot] = slots.slot(slot).component(component) + first;
+    return rows;
+}
+
+/// `code` is null where no cell of the row is held.
+void formComponent(const RowKernels& kernels, int count, const SlotRows& q, int stage, double dt,
+                   const std::int16_t* code) {
+    const double h = stage == 4 ? dt : dt * 0.5;
+    if (stage == 1 && code == nullptr)
+        kernels.completeStep(count, q.slot[workSlot], q.slot[committedSlot], q.slot, dt);
+    else if (stage == 1)
+        kernels.completeStepWhereFree(count, q.slot[workSlot], q.slot[committedSlot], q.slot, dt, code);
+    else if (code == nullptr)
+        kernels.formTrial(count, q.slot[workSlot], q.slot[committedSlot], q.slot[stage - 1], h);
+    else
+        kernels.formTrialWhereFree(count, q.slot[workSlot], q.slot[committedSlot], q.slot[stage - 1], h, code);
+}
+
+void formWorkRow(SimState& sim, const StagePlan& plan, int stage, std::int64_t row) {
+    const RowKernels& kernels = *plan.kernels;
+    const RowTraits& traits = plan.rowTraits[row];
+    const std::int64_t first = firstCell(plan, row);
+    const int count = plan.rowCells;
+    const double dt = sim.dt;
+    const std::int16_t* const heldSpecies = traits.heldSpecies ? &sim.wallPressure[first] : nullptr;
+    for (int species = 0; species <= sim.nsMax; ++species)
+        formComponent(kernels, count, slotRows(sim.stageSpecies, species, first), stage, dt, heldSpecies);
+    const std::int16_t* const heldEnergy = traits.heldEnergy ? &sim.wallTemperature[first] : nullptr;
+    formComponent(kernels, count, slotRows(sim.stageEnergy, 0, first), stage, dt, heldEnergy);
+    for (int dim = 1; dim <= sim.nDim; ++dim) {
+        const SlotRows momentum = slotRows(sim.stageMomentum, dim, first);
+        const bool held = plan.dimensionTraits[row * sim.nDim + dim - 1].held;
+        const bool withoutEnd = dim == 1 && traits.closedEnd;
+        const std::int16_t* const code = held ? sim.wallVelocity.component(dim) + first : nullptr;
+        formComponent(kernels, withoutEnd ? count - 1 : count, momentum, stage, dt, code);
+        if (withoutEnd && stage == 1) momentum.slot[committedSlot][count - 1] = momentum.slot[workSlot][count - 1];
+    }
+}
+
+// --- primitives ------------------------------------------------------------------------------------------------------
+
+void deriveMassAndDensity(SimState& sim, const StagePlan& plan, std::int64_t first) {
+    const int count = plan.rowCells;
+    float* const mass = &sim.cellMass[first];
+    const auto& work = sim.stageSpecies.slot(sim.stageWork);
+    plan.kernels->startSum(count, mass, work.component(0) + first);
+    for (int species = 1; species <= sim.nsMax; ++species)
+        plan.kernels->addToSum(count, mass, work.component(species) + first);
+    plan.kernels->divide(count, &sim.density[first], mass, &sim.cellVolume[first]);
+}
+
+void deriveConcentrations(SimState& sim, const StagePlan& plan, std::int64_t first, bool held) {
+    const float* const mass = &sim.cellMass[first];
+    for (int species = 0; species <= sim.nsMax; ++species) {
+        const float* const speciesMass = sim.stageSpecies.slot(sim.stageWork).component(species) + first;
+        float* const concentration = sim.concentration.component(species) + first;
+        if (held)
+            plan.kernels->divideWhereNotNegative(plan.rowCells, concentration, speciesMass, mass,
+                                                 &sim.wallConcentration[first]);
+        else
+            plan.kernels->divide(plan.rowCells, concentration, speciesMass, mass);
+    }
+}
+
+void deriveTemperature(SimState& sim, const StagePlan& plan, std::int64_t first, bool held) {
+    const float* const energy = sim.stageEnergy.slot(sim.stageWork).component(0) + first;
+    if (held)
+        plan.kernels->temperatureWhereNotNegative(plan.rowCells, &sim.temperature[first], energy,
+                                                  &sim.heatCapacity[first], &sim.cellMass[first],
+                                                  &sim.wallTemperature[first]);
+    else
+        plan.kernels->temperature(plan.rowCells, &sim.temperature[first], energy, &sim.heatCapacity[first],
+                                  &sim.cellMass[first]);
+}
+
+void deriveVelocities(SimState& sim, const StagePlan& plan, std::int64_t row, std::int64_t first) {
+    const float* const mass = &sim.cellMass[first];
+    for (int dim = 1; dim <= sim.nDim; ++dim) {
+        const int count = dim == 1 && plan.rowTraits[row].closedEnd ? plan.rowCells - 1 : plan.rowCells;
+        const float* const momentum = sim.stageMomentum.slot(sim.stageWork).component(dim) + first;
+        float* const velocity = sim.velocity.component(dim) + first;
+        if (plan.dimensionTraits[row * sim.nDim + dim - 1].held)
+            plan.kernels->divideWhereFree(count, velocity, momentum, mass, sim.wallVelocity.component(dim) + first);
+        else
+            plan.kernels->divide(count, velocity, momentum, mass);
+    }
+}
+
+void derivePressure(SimState& sim, const StagePlan& plan, std::int64_t first, bool held) {
+    const double gasFactor = sim.gasFactor;
+    if (held)
+        plan.kernels->pressureWhereNotNegative(plan.rowCells, &sim.pressure[first], gasFactor, &sim.cellMass[first],
+                                               &sim.temperature[first], &sim.cellVolume[first],
+                                               &sim.wallPressure[first]);
+    else
+        plan.kernels->pressure(plan.rowCells, &sim.pressure[first], gasFactor, &sim.cellMass[first],
+                               &sim.temperature[first], &sim.cellVolume[first]);
+}
+
+/// Marks rows with thin gas, and keeps the cells whose density is a fault for the messages of the stage.
+void checkDensity(const SimState& sim, StagePlan& plan, StageWorkspace& workspace, std::int64_t row) {
+    const std::int64_t first = firstCell(plan, row);
+    const bool thick = plan.kernels->allAbove(plan.rowCells, &sim.density[first], sim.rhoFloor);
+    plan.thinRow[row] = thick ? 0 : 1;
+    if (thick && sim.rhoFloor >= 0) return;
+    for (std::int64_t cell = first; cell < first + plan.rowCells; ++cell) {
+        // "not >=" instead of "<": a NaN fails every comparison, and it has to stop the run as well.
+        if (!(sim.density[cell] >= 0.0f)) workspace.faultyCells.push_back(static_cast<std::int32_t>(cell));
+    }
+}
+
+void deriveRow(SimState& sim, StagePlan& plan, StageWorkspace& workspace, std::int64_t row) {
+    const std::int64_t first = firstCell(plan, row);
+    const RowTraits& traits = plan.rowTraits[row];
+    deriveMassAndDensity(sim, plan, first);
+    deriveConcentrations(sim, plan, first, traits.heldConcentration);
+    checkDensity(sim, plan, workspace, row);
+    deriveTemperature(sim, plan, first, traits.heldTemperature);
+    deriveVelocities(sim, plan, row, first);
+    derivePressure(sim, plan, first, traits.heldPressure);
+    for (std::int64_t k = plan.imposedOfRow[row]; k < plan.imposedOfRow[row + 1]; ++k)
+        imposeHeldValues(sim, plan.imposedCells[k]);
+}
+
+/// Messages come in the order of the cells, whichever thread found them.
+void tellFaultyCells(SimState& sim, const Interface& ui, StagePlan& plan) {
+    for (StageWorkspace& workspace : plan.workspaces) {
+        for (const std::int32_t cell : workspace.faultyCells) {
+            ui.showMessage("Stopped because of negative density in point " + std::to_string(cell));
+            sim.stopFlag = 1;
+            sim.outcome.negativeDensity = true;
+        }
+        workspace.faultyCells.clear();
+    }
+}
+
+// --- slopes ----------------------------------------------------------------------------------------------------------
+
+/// Some cells of a row from `offset` on, with the same faces: along dimension 1 the ends of a row lack one.
+struct FacePart {
+    FaceRows faces;
+    int offset;
+};
+
+struct RowFaces {
+    FacePart parts[3];
+    int count = 0;
+
+    void add(const FaceRows& faces, int offset) {
+        if (faces.count > 0) parts[count++] = {faces, offset};
+    }
+};
+
+struct SlopeRow {
+    SimState& sim;
+    const StagePlan& plan;
+    StageWorkspace& workspace;
+    int stage;
+    std::int64_t row;
+    std::int64_t first;
+
+    double* flows(int dim, int side) const {
+        return workspace.flows.data() + std::int64_t{2 * (dim - 1) + side} * plan.rowCells;
+    }
+    std::int32_t* gates(int dim, int side) const {
+        return workspace.openFaces.data() + std::int64_t{2 * (dim - 1) + side} * plan.rowCells;
+    }
+    float* slope(const auto& slots, std::int64_t component) const {
+        return const_cast<float*>(slots.slot(stage).component(component)) + first;
+    }
+};
+
+/// The flow, and where need be the gates, of the upper faces of the row that begins at `cell`.
+void formFaces(const SlopeRow& r, int dim, int side, std::int64_t cell, int count, bool gated) {
+    const SimState& sim = r.sim;
+    r.plan.kernels->massFlow(count, r.flows(dim, side), sim.inverseSize.component(dim) + cell,
+                             sim.stageMomentum.slot(workSlot).component(dim) + cell);
+    if (!gated) return;
+    r.plan.kernels->openFaces(count, sim.cellStride[dim], r.gates(dim, side), sim.wallVelocity.component(dim) + cell,
+                              sim.velocity.component(dim) + cell, &sim.density[cell], sim.rhoFloor);
+}
+
+/// The faces between the cells of the row itself.
+RowFaces facesInRow(const SlopeRow& r) {
+    const int count = r.plan.rowCells;
+    const bool gated = r.plan.dimensionTraits[r.row * r.sim.nDim].closed || r.plan.thinRow[r.row] != 0;
+    RowFaces faces;
+    if (count < 2) return faces;
+    formFaces(r, 1, 0, r.first, count - 1, gated);
+    const double* const flow = r.flows(1, 0);
+    const std::int32_t* const open = gated ? r.gates(1, 0) : nullptr;
+    const float* const velocity = r.sim.velocity.component(1) + r.first;
+    // The lower face of a cell is the upper one of the cell before it. Where a face is missing its pointers go unused.
+    faces.add({1, 1, false, true, flow, flow, velocity, open, open}, 0);
+    faces.add({count - 2, 1, true, true, flow, flow + 1, velocity + 1, open, gated ? open + 1 : nullptr}, 1);
+    faces.add({1, 1, true, false, flow + count - 2, flow, velocity + count - 1, gated ? open + count - 2 : nullptr,
+               gated ? open : nullptr},
+              count - 1);
+    return faces;
+}
+
+/// The faces towards the rows below and above along a dimension from 2 on.
+RowFaces facesAcross(const SlopeRow& r, int dim) {
+    const SimState& sim = r.sim;
+    const StagePlan& plan = r.plan;
+    const std::int64_t stride = sim.cellStride[dim];
+    const std::int64_t rowStride = stride / plan.rowCells;
+    const double place = cellCoordinate(sim, static_cast<std::int32_t>(r.first), dim);
+    const bool hasLower = place > 0;
+    const bool hasUpper = place < sim.cellCount[dim] - 1;
+    const auto isGated = [&](std::int64_t lower) {
+        return plan.dimensionTraits[lower * sim.nDim + dim - 1].closed || plan.thinRow[lower] != 0 ||
+               plan.thinRow[lower + rowStride] != 0;
+    };
+    const bool gated = (hasLower && isGated(r.row - rowStride)) || (hasUpper && isGated(r.row));
+    if (hasLower) formFaces(r, dim, 0, r.first - stride, plan.rowCells, gated);
+    if (hasUpper) formFaces(r, dim, 1, r.first, plan.rowCells, gated);
+    RowFaces faces;
+    if (hasLower || hasUpper)
+        faces.add({plan.rowCells, stride, hasLower, hasUpper, r.flows(dim, 0), r.flows(dim, 1),
+                   sim.velocity.component(dim) + r.first, gated ? r.gates(dim, 0) : nullptr,
+                   gated ? r.gates(dim, 1) : nullptr},
+                  0);
+    return faces;
+}
+
+void addSpeciesTerms(const SlopeRow& r, const RowFaces& faces) {
+    const SimState& sim = r.sim;
+    for (int species = 0; species <= sim.nsMax; ++species) {
+        float* const slope = r.slope(sim.stageSpecies, species);
+        const float* const value = sim.concentration.component(species) + r.first;
+        for (int k = 0; k < faces.count; ++k) {
+            const auto& [part, offset] = faces.parts[k];
+            r.plan.kernels->carry(part, slope + offset, value + offset);
+        }
+    }
+}
+
+void addHeatTerms(const SlopeRow& r, const RowFaces& faces, int dim) {
+    const SimState& sim = r.sim;
+    float* const slope = r.slope(sim.stageEnergy, 0);
+    const float* const conduction = sim.conductionCoef.component(dim) + r.first;
+    for (int k = 0; k < faces.count; ++k) {
+        const auto& [part, offset] = faces.parts[k];
+        r.plan.kernels->carryHeat(part, slope + offset, &sim.heatCapacity[r.first + offset],
+                                  &sim.temperature[r.first + offset], conduction + offset);
+    }
+}
+
+/// All components are carried across the faces of every dimension, with no shift to their staggered places.
+void addMomentumTerms(const SlopeRow& r, const RowFaces& faces, int dim) {
+    const SimState& sim = r.sim;
+    const float* const viscous = sim.viscousCoef.component(dim) + r.first;
+    for (int e = 1; e <= sim.nDim; ++e) {
+        float* const slope = r.slope(sim.stageMomentum, e);
+        const float* const velocity = sim.velocity.component(e) + r.first;
+        const float* const pressure = e == dim ? &sim.pressure[r.first] : nullptr;
+        const float* const area = sim.faceArea.component(dim) + r.first;
+        for (int k = 0; k < faces.count; ++k) {
+            const auto& [part, offset] = faces.parts[k];
+            r.plan.kernels->carryMomentum(part, slope + offset, velocity + offset, viscous + offset,
+                                          pressure == nullptr ? nullptr : pressure + offset, area + offset);
+        }
+    }
+}
+
+void addDragAndGravity(const SlopeRow& r, int dim) {
+    const SimState& sim = r.sim;
+    const RowTraits& traits = r.plan.rowTraits[r.row];
+    const bool closedEnd = dim == 1 && traits.closedEnd;
+    float* const slope = r.slope(sim.stageMomentum, dim);
+    const float* const velocity = sim.velocity.component(dim) + r.first;
+    const float* const friction = &sim.friction[r.first];
+    const float* const mass = &sim.cellMass[r.first];
+    const double gravity = sim.gravity[dim];
+    if (traits.wholeCodes || r.plan.dimensionTraits[r.row * sim.nDim + dim - 1].closed) {
+        r.plan.kernels->dragAndGravityWhereFree(r.plan.rowCells, slope, velocity, friction, gravity, mass,
+                                                sim.wallVelocity.component(dim) + r.first,
+                                                sim.wallVelocity.component(0) + r.first);
+        return;
+    }
+    const int count = closedEnd ? r.plan.rowCells - 1 : r.plan.rowCells;
+    r.plan.kernels->dragAndGravity(count, slope, velocity, friction, gravity, mass);
+    if (closedEnd) slope[count] = static_cast<float>(0.0 + gravity * double(mass[count])); // no terms but gravity
+}
+
+void computeSlopeRow(SimState& sim, const StagePlan& plan, StageWorkspace& workspace, int stage, std::int64_t row) {
+    const SlopeRow r{sim, plan, workspace, stage, row, firstCell(plan, row)};
+    for (int species = 0; species <= sim.nsMax; ++species)
+        std::fill_n(r.slope(sim.stageSpecies, species), plan.rowCells, 0.0f);
+    std::fill_n(r.slope(sim.stageEnergy, 0), plan.rowCells, 0.0f);
+    for (int dim = 1; dim <= sim.nDim; ++dim) std::fill_n(r.slope(sim.stageMomentum, dim), plan.rowCells, 0.0f);
+
+    for (int dim = 1; dim <= sim.nDim; ++dim) {
+        const RowFaces faces = dim == 1 ? facesInRow(r) : facesAcross(r, dim);
+        addSpeciesTerms(r, faces);
+        addHeatTerms(r, faces, dim);
+        addMomentumTerms(r, faces, dim);
+    }
+    if (plan.rowTraits[row].closedEnergy)
+        plan.kernels->clearWherePositive(plan.rowCells, r.slope(sim.stageEnergy, 0), &sim.wallTemperature[r.first]);
+    for (int dim = 1; dim <= sim.nDim; ++dim) addDragAndGravity(r, dim);
+    for (std::int64_t k = plan.sourcesOfRow[row]; k < plan.sourcesOfRow[row + 1]; ++k) {
+        addSink(sim, stage, plan.sourceCells[k]);
+        addSpeciesExchange(sim, stage, plan.sourceCells[k]);
+    }
+}
+
+// --- rows and threads ------------------------------------------------------------------------------------------------
+
+/// Prepares all rows (their work state and primitives) and finishes all rows (their slopes), in one sweep as far as
+/// possible: a row is finished while its neighbours are still in the cache. `prepare` and `finish` take a row.
+template <class Prepare, class Finish>
+void sweepRows(StagePlan& plan, const Prepare& prepare, const Finish& finish) {
+    const auto work = [&](int thread) {
+        const std::int64_t begin = plan.rows * thread / plan.team->size();
+        const std::int64_t end = plan.rows * (thread + 1) / plan.team->size();
+        StageWorkspace& workspace = plan.workspaces[static_cast<std::size_t>(thread)];
+        // Rows near the ends of the share read rows of other threads, and wait until those are prepared.
+        const std::int64_t firstFree = thread == 0 ? begin : std::min(begin + plan.reach, end);
+        std::int64_t next = firstFree;
+        for (std::int64_t row = begin; row < end; ++row) {
+            prepare(workspace, row);
+            if (row - plan.reach >= next) finish(workspace, next++);
+        }
+        plan.team->wait();
+        for (std::int64_t row = begin; row < firstFree; ++row) finish(workspace, row);
+        for (; next < end; ++next) finish(workspace, next);
+    };
+    plan.team->run(std::ref(work)); // by reference: a step allocates nothing
+}
+
+} // namespace
+
+int suitableThreads(std::int64_t cells) {
+    constexpr std::int64_t cellsForAThread = 8192; // fewer cost more in meetings than they gain
+    const auto cores = static_cast<std::int64_t>(std::thread::hardware_concurrency());
+    return static_cast<int>(std::clamp<std::int64_t>(cells / cellsForAThread, 1, std::max<std::int64_t>(cores, 1)));
+}
+
+StagePlan planStages(const SimState& sim, int threads, const RowKernels& kernels) {
+    StagePlan plan;
+    plan.kernels = &kernels;
+    plan.rowCells = sim.nCells > 0 ? sim.cellCount[1] : 1;
+    plan.rows = sim.nCells / plan.rowCells;
+    plan.reach = sim.nDim > 1 && sim.nCells > 0 ? sim.cellStride[sim.nDim] / plan.rowCells : 0;
+    plan.rowTraits.resize(static_cast<std::size_t>(plan.rows));
+    plan.dimensionTraits.resize(static_cast<std::size_t>(plan.rows * sim.nDim));
+    plan.imposedOfRow.resize(static_cast<std::size_t>(plan.rows + 1));
+    plan.sourcesOfRow.resize(static_cast<std::size_t>(plan.rows + 1));
+    plan.thinRow.resize(static_cast<std::size_t>(plan.rows));
+    for (std::int64_t row = 0; row < plan.rows; ++row) planRow(sim, plan, row);
+
+    const int wanted = threads > 0 ? threads : suitableThreads(sim.nCells);
+    const auto size = static_cast<int>(std::clamp<std::int64_t>(wanted, 1, std::max<std::int64_t>(plan.rows, 1)));
+    plan.workspaces.resize(static_cast<std::size_t>(size));
+    for (StageWorkspace& workspace : plan.workspaces) {
+        const auto faces = static_cast<std::size_t>(std::int64_t{2} * sim.nDim * plan.rowCells);
+        workspace.flows.resize(faces);
+        workspace.openFaces.resize(faces);
+    }
+    try {
+        plan.team = std::make_unique<ThreadTeam>(size);
+    } catch (const std::system_error&) { // the system grants no further thread
+        plan.workspaces.resize(1);
+        plan.team = std::make_unique<ThreadTeam>(1);
+    }
+    return plan;
+}
+
+void runStage(SimState& sim, const Interface& ui, StagePlan& plan, int stage) {
+    sweepRows(
+        plan,
+        [&](StageWorkspace& workspace, std::int64_t row) {
+            formWorkRow(sim, plan, stage, row);
+            deriveRow(sim, plan, workspace, row);
+        },
+        [&](StageWorkspace& workspace, std::int64_t row) { computeSlopeRow(sim, plan, workspace, stage, row); });
+    tellFaultyCells(sim, ui, plan);
+    if (sim.radActive == 1) radiationPairs(sim, stage);
+}
+
+void derivePrimitives(SimState& sim, const Interface& ui, StagePlan& plan) {
+    const auto nothing = [](StageWorkspace&, std::int64_t) {};
+    sweepRows(
+        plan, [&](StageWorkspace& workspace, std::int64_t row) { deriveRow(sim, plan, workspace, row); }, nothing);
+    tellFaultyCells(sim, ui, plan);
+}
+
+void computeSlopes(SimState& sim, StagePlan& plan, int stage) {
+    // Whoever computes slopes alone may have set densities by hand.
+    for (std::int64_t row = 0; row < plan.rows; ++row)
+        plan.thinRow[static_cast<std::size_t>(row)] =
+            plan.kernels->allAbove(plan.rowCells, &sim.density[firstCell(plan, row)], sim.rhoFloor) ? 0 : 1;
+    const auto nothing = [](StageWorkspace&, std::int64_t) {};
+    sweepRows(plan, nothing, [&](StageWorkspace& workspace, std::int64_t row) {
+        computeSlopeRow(sim, plan, workspace, stage, row);
+    });
+    if (sim.radActive == 1) radiationPairs(sim, stage);
+}
+
+} // namespace norvane

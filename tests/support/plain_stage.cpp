@@ -1,0 +1,285 @@
+#include "support/plain_stage.h"
+
+#include "core/accumulate.h"
+#include "core/addressing.h"
+#include "core/source_terms.h"
+
+#include <cmath>
+#include <string>
+#include <type_traits>
+
+namespace norvane::plain {
+
+namespace {
+
+
+/// One face as a visiting cell sees it. Flow and coefficients belong to the lower cell, the carried values to the
+/// donor, whichever side the visitor is on: so what one cell gains the other loses.
+struct Face {
+    int dim;
+    bool isUpper;           ///< it is the upper face of the visiting cell
+    bool exists;            ///< false at the end of a row
+    bool advects;           ///< neither closed nor fed by an empty donor
+    std::int32_t neighbour; ///< the cell across the face
+    std::int32_t lower;     ///< the cell below the face, which owns its momentum
+    std::int32_t donor;     ///< the cell that the flow comes from
+    double massFlow;        ///< kg/s into the visiting cell
+};
+
+Face locateFace(const SimState& sim, std::int32_t cell, int faceIndex) {
+    Face face{};
+    face.dim = (faceIndex - 1) / 2 + 1;
+    face.isUpper = faceIndex % 2 == 0;
+    const std::int64_t stride = sim.cellStride[face.dim];
+    const std::int64_t neighbour = face.isUpper ? cell + stride : cell - stride;
+    face.exists = inSameRow(sim, cell, neighbour, face.dim);
+    if (!face.exists) return face;
+
+    face.neighbour = static_cast<std::int32_t>(neighbour);
+    face.lower = face.isUpper ? cell : face.neighbour;
+    const std::int32_t upper = face.isUpper ? face.neighbour : cell;
+    face.donor = sim.velocity(face.lower, face.dim) > 0 ? face.lower : upper;
+    face.advects = sim.wallVelocity(face.lower, face.dim) <= 0 && sim.density[face.donor] > sim.rhoFloor;
+
+    const double inverseLength = sim.inverseSize(face.lower, face.dim);
+    const double momentum = sim.stageMomentum(workSlot, face.lower, face.dim);
+    face.massFlow = (face.isUpper ? -inverseLength : inverseLength) * momentum;
+    return face;
+}
+
+void addSpeciesAdvection(SimState& sim, int stage, std::int32_t cell, const Face& face) {
+    for (int species = 0; species <= sim.nsMax; ++species)
+        accumulate(sim.stageSpecies(stage, species, cell),
+                   face.massFlow * double(sim.concentration(face.donor, species)));
+}
+
+void addHeatAdvection(SimState& sim, int stage, std::int32_t cell, const Face& face) {
+    if (sim.wallTemperature[cell] > 0) return;
+    accumulate(sim.stageEnergy(stage, cell),
+               face.massFlow * double(sim.heatCapacity[face.donor]) * double(sim.temperature[face.donor]));
+}
+
+/// All components are carried across the faces of every dimension, with no shift to their staggered places.
+void addMomentumAdvection(SimState& sim, int stage, std::int32_t cell, const Face& face) {
+    for (int dim = 1; dim <= sim.nDim; ++dim) {
+        if (sim.wallVelocity(cell, dim) > 0) continue;
+        accumulate(sim.stageMomentum(stage, cell, dim), face.massFlow * double(sim.velocity(face.donor, dim)));
+    }
+}
+
+/// Only for the cell below the face, where the momentum of the face lives.
+void addPressureForce(SimState& sim, int stage, std::int32_t cell, const Face& face) {
+    if (sim.wallVelocity(cell, face.dim) > 0) return;
+    const double difference = double(sim.pressure[cell]) - double(sim.pressure[face.neighbour]);
+    accumulate(sim.stageMomentum(stage, cell, face.dim), difference * double(sim.faceArea(cell, face.dim)));
+}
+
+void addHeatConduction(SimState& sim, int stage, std::int32_t cell, const Face& face) {
+    if (sim.wallTemperature[cell] > 0) return;
+    const double difference = double(sim.temperature[face.neighbour]) - double(sim.temperature[cell]);
+    accumulate(sim.stageEnergy(stage, cell), difference * double(sim.conductionCoef(face.lower, face.dim)));
+}
+
+void addViscousExchange(SimState& sim, int stage, std::int32_t cell, const Face& face) {
+    for (int dim = 1; dim <= sim.nDim; ++dim) {
+        if (sim.wallVelocity(cell, dim) > 0) continue;
+        const double difference = double(sim.velocity(face.neighbour, dim)) - double(sim.velocity(cell, dim));
+        accumulate(sim.stageMomentum(stage, cell, dim), difference * double(sim.viscousCoef(face.lower, face.dim)));
+    }
+}
+
+} // namespace
+
+static void faceTerms(SimState& sim, int stage, std::int32_t cell, int faceIndex) {
+    const Face face = locateFace(sim, cell, faceIndex);
+    if (!face.exists) return;
+    if (face.advects) {
+        addSpeciesAdvection(sim, stage, cell, face);
+        addHeatAdvection(sim, stage, cell, face);
+        addMomentumAdvection(sim, stage, cell, face);
+    }
+    if (face.isUpper) addPressureForce(sim, stage, cell, face);
+    // Heat and shear pass through a closed face and out of an empty cell as well.
+    addHeatConduction(sim, stage, cell, face);
+    addViscousExchange(sim, stage, cell, face);
+}
+
+namespace {
+
+void addDragAndGravity(SimState& sim, int stage, std::int32_t cell) {
+    if (sim.wallVelocity(cell, 0) != 0) return;
+    for (int dim = 1; dim <= sim.nDim; ++dim) {
+        float& slope = sim.stageMomentum(stage, cell, dim);
+        if (sim.wallVelocity(cell, dim) <= 0)
+            accumulate(slope, -(double(sim.velocity(cell, dim)) * double(sim.friction[cell])));
+        accumulate(slope, double(sim.gravity[dim]) * double(sim.cellMass[cell]));
+    }
+}
+
+void updateMassAndDensity(SimState& sim, std::int32_t cell) {
+    float mass = 0;
+    for (int species = 0; species <= sim.nsMax; ++species)
+        mass = static_cast<float>(double(mass) + double(sim.stageSpecies(sim.stageWork, species, cell)));
+    sim.cellMass[cell] = mass;
+    sim.density[cell] = static_cast<float>(double(mass) / double(sim.cellVolume[cell]));
+}
+
+void updateConcentrations(SimState& sim, std::int32_t cell) {
+    const double mass = sim.cellMass[cell];
+    for (int species = 0; species <= sim.nsMax; ++species) {
+        float& speciesMass = sim.stageSpecies(sim.stageWork, species, cell);
+        float& concentration = sim.concentration(cell, species);
+        if (sim.wallConcentration[cell] < 0)
+            speciesMass = static_cast<float>(double(concentration) * mass);
+        else
+            concentration = static_cast<float>(double(speciesMass) / mass);
+    }
+}
+
+void checkDensity(SimState& sim, const Interface& ui, std::int32_t cell) {
+    // "not >=" instead of "<": a NaN fails every comparison, and it has to stop the run as well.
+    if (!(sim.density[cell] >= 0.0f)) {
+        ui.showMessage("Stopped because of negative density in point " + std::to_string(cell));
+        sim.stopFlag = 1;
+        sim.outcome.negativeDensity = true;
+    }
+}
+
+void updateTemperature(SimState& sim, std::int32_t cell) {
+    float& energy = sim.stageEnergy(sim.stageWork, cell);
+    const double capacity = double(sim.heatCapacity[cell]) * double(sim.cellMass[cell]);
+    if (sim.wallTemperature[cell] < 0)
+        energy = static_cast<float>(capacity * double(sim.temperature[cell]));
+    else
+        sim.temperature[cell] = static_cast<float>(double(energy) / capacity);
+}
+
+/// The mass flow of an imposed velocity is velocityInit at the template's density, whatever the density of the cell is.
+float imposedVelocity(const SimState& sim, std::int32_t cell, int dim) {
+    const double init = sim.velocityInit(cell, dim);
+    const double reference = sim.density[0];
+    const double density = sim.density[cell];
+    if (sim.wallVelocity(cell, dim) != -2) return static_cast<float>(init * reference / density);
+    double ramp = double(sim.stepCount) / double(sim.rampSteps);
+    if (ramp > 1) ramp = 1;
+    return static_cast<float>(ramp * init * reference / density);
+}
+
+void updateVelocities(SimState& sim, std::int32_t cell) {
+    const double mass = sim.cellMass[cell];
+    for (int dim = 1; dim <= sim.nDim; ++dim) {
+        const int code = sim.wallVelocity(cell, dim);
+        float& momentum = sim.stageMomentum(sim.stageWork, cell, dim);
+        float& velocity = sim.velocity(cell, dim);
+        if (code == 0) {
+            velocity = static_cast<float>(double(momentum) / mass);
+        } else if (code < 0) {
+            velocity = imposedVelocity(sim, cell, dim);
+            momentum = static_cast<float>(double(velocity) * mass);
+        }
+    }
+}
+
+void updatePressure(SimState& sim, std::int32_t cell) {
+    if (sim.wallPressure[cell] < 0) return;
+    sim.pressure[cell] = static_cast<float>(double(sim.gasFactor) * double(sim.cellMass[cell])
+                                            * double(sim.temperature[cell]) / double(sim.cellVolume[cell]));
+}
+
+/// One quantity of one cell in all six slots.
+template <class Slots>
+struct SlotValues {
+    Slots& slots;
+    std::int64_t first;
+    std::int64_t second;
+
+    float& at(int slot) {
+        if constexpr (std::is_same_v<Slots, EnergySlots>)
+            return slots(slot, first);
+        else
+            return slots(slot, first, second);
+    }
+};
+
+template <class Slots>
+void formTrial(SlotValues<Slots> q, int stage, double h) {
+    q.at(workSlot) = static_cast<float>(double(q.at(committedSlot)) + h * double(q.at(stage - 1)));
+}
+
+template <class Slots>
+void completeStep(SlotValues<Slots> q, double dt) {
+    const double k1 = q.at(1);
+    const double k2 = q.at(2);
+    const double k3 = q.at(3);
+    const double k4 = q.at(4);
+    q.at(workSlot) = static_cast<float>(double(q.at(committedSlot)) + ((2 * k2 + k1) + 2 * k3 + k4) * dt / 6);
+}
+
+template <class Slots>
+void commit(SlotValues<Slots> q) {
+    q.at(committedSlot) = q.at(workSlot);
+}
+
+/// Calls `work` for every quantity of a cell that the wall codes leave to be integrated.
+template <class Work>
+void forIntegrated(SimState& sim, std::int32_t cell, const Work& work) {
+    if (sim.wallPressure[cell] == 0)
+        for (int species = 0; species <= sim.nsMax; ++species)
+            work(SlotValues<SpeciesSlots>{sim.stageSpecies, species, cell});
+    if (sim.wallTemperature[cell] == 0) work(SlotValues<EnergySlots>{sim.stageEnergy, cell, 0});
+    for (int dim = 1; dim <= sim.nDim; ++dim)
+        if (sim.wallVelocity(cell, dim) == 0) work(SlotValues<MomentumSlots>{sim.stageMomentum, cell, dim});
+}
+
+/// Calls `work` for every quantity of a cell.
+template <class Work>
+void forAll(SimState& sim, std::int32_t cell, const Work& work) {
+    for (int species = 0; species <= sim.nsMax; ++species)
+        work(SlotValues<SpeciesSlots>{sim.stageSpecies, species, cell});
+    work(SlotValues<EnergySlots>{sim.stageEnergy, cell, 0});
+    for (int dim = 1; dim <= sim.nDim; ++dim) work(SlotValues<MomentumSlots>{sim.stageMomentum, cell, dim});
+}
+
+void clearSlopes(SimState& sim, int stage, std::int32_t cell) {
+    forAll(sim, cell, [&](auto q) { q.at(stage) = 0; });
+}
+
+} // namespace
+
+void updatePrimitives(SimState& sim, const Interface& ui) {
+    for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
+        updateMassAndDensity(sim, cell);
+        updateConcentrations(sim, cell);
+        checkDensity(sim, ui, cell);
+        updateTemperature(sim, cell);
+        updateVelocities(sim, cell);
+        updatePressure(sim, cell);
+    }
+}
+
+
+void formWorkState(SimState& sim, int stage) {
+    const double dt = sim.dt;
+    const double h = stage == 4 ? dt : dt * 0.5;
+    for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
+        if (stage == 1) {
+            forIntegrated(sim, cell, [&](auto q) { completeStep(q, dt); });
+            forAll(sim, cell, [&](auto q) { commit(q); });
+        } else {
+            forIntegrated(sim, cell, [&](auto q) { formTrial(q, stage, h); });
+        }
+    }
+}
+
+void computeSlopes(SimState& sim, int stage) {
+    for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
+        clearSlopes(sim, stage, cell);
+        for (int faceIndex = 1; faceIndex <= 2 * sim.nDim; ++faceIndex) faceTerms(sim, stage, cell, faceIndex);
+        addDragAndGravity(sim, stage, cell);
+        addSink(sim, stage, cell);
+        addSpeciesExchange(sim, stage, cell);
+    }
+    if (sim.radActive == 1) radiationPairs(sim, stage);
+}
+
+} // namespace norvane::plain

@@ -1,0 +1,163 @@
+// The engine gives the bits of the plain evaluation, cell by cell as the formulas stand, on random models with
+// everything in them: for every instruction set of this machine and for any number of threads.
+
+#include "core/stage_engine.h"
+#include "support/plain_stage.h"
+#include "support/test_program.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <random>
+
+namespace norvane {
+namespace {
+
+/// Equal bits; all NaNs count as equal, since the order of the operands of a sum, which the language leaves to the
+/// compiler, decides which of two NaNs goes on.
+bool sameBits(float a, float b) {
+    return std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b) || (a != a && b != b);
+}
+
+/// Names the first field and cell that differ; empty where all agree.
+std::string difference(const SimState& a, const SimState& b) {
+    for (std::int32_t cell = 1; cell <= a.nCells; ++cell) {
+        const auto at = [&](const std::string& name) { return name + " of cell " + std::to_string(cell); };
+        for (int slot = 0; slot <= workSlot; ++slot) {
+            const std::string inSlot = " in slot " + std::to_string(slot);
+            for (int species = 0; species <= a.nsMax; ++species)
+                if (!sameBits(a.stageSpecies(slot, species, cell), b.stageSpecies(slot, species, cell)))
+                    return at("species " + std::to_string(species) + inSlot);
+            if (!sameBits(a.stageEnergy(slot, cell), b.stageEnergy(slot, cell))) return at("energy" + inSlot);
+            for (int dim = 1; dim <= a.nDim; ++dim)
+                if (!sameBits(a.stageMomentum(slot, cell, dim), b.stageMomentum(slot, cell, dim)))
+                    return at("momentum " + std::to_string(dim) + inSlot);
+        }
+        for (int species = 0; species <= a.nsMax; ++species)
+            if (!sameBits(a.concentration(cell, species), b.concentration(cell, species))) return at("concentration");
+        for (int dim = 1; dim <= a.nDim; ++dim)
+            if (!sameBits(a.velocity(cell, dim), b.velocity(cell, dim))) return at("velocity " + std::to_string(dim));
+        if (!sameBits(a.cellMass[cell], b.cellMass[cell])) return at("cellMass");
+        if (!sameBits(a.density[cell], b.density[cell])) return at("density");
+        if (!sameBits(a.temperature[cell], b.temperature[cell])) return at("temperature");
+        if (!sameBits(a.pressure[cell], b.pressure[cell])) return at("pressure");
+    }
+    return a.stopFlag == b.stopFlag ? "" : "stopFlag";
+}
+
+class RandomModel {
+public:
+    explicit RandomModel(unsigned seed) : random_(seed) {}
+
+    /// A table of one to five dimensions whose cells hold keys of all kinds.
+    std::string table() {
+        const int dims = pick(1, 5);
+        const int columns = pick(1, pick(0, 2) == 0 ? 40 : 7);
+        const int rows = dims >= 2 ? pick(2, 5) : 1;
+        keysInHundred_ = pick(0, 2) == 0 ? 3 : 30; // rows without any code have loops of their own
+        const std::string tabs(static_cast<std::size_t>(columns - 1), '\t');
+        std::string text = "NS " + std::to_string(pick(0, 3)) + ":" + defaults() + tabs + "\n" + "x" + tabs + "\nL" + tabs;
+        int blocks[3] = {dims >= 3 ? pick(2, 3) : 1, dims >= 4 ? 2 : 1, dims >= 5 ? 2 : 1};
+        for (int five = 1; five <= blocks[2]; ++five)
+            for (int four = 1; four <= blocks[1]; ++four)
+                for (int three = 1; three <= blocks[0]; ++three) {
+                    for (int row = 0; row < rows; ++row) text += "\n" + rowText(columns);
+                    const bool endsFour = three == blocks[0] && dims >= 4;
+                    const bool endsFive = endsFour && four == blocks[1] && dims >= 5;
+                    text += (endsFive ? "\nL5" : endsFour ? "\nL4" : "\nL") + tabs;
+                }
+        return text;
+    }
+
+    int pick(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random_); }
+
+private:
+    std::string defaults() {
+        std::string text = "DT 1E-5:DD 0;0.01:LA 5:ET 0.1:TR 3:CC 1;0.3:RR " + std::to_string(pick(0, 50));
+        if (pick(0, 1) == 0) text += ":GG 1;-3:GG 2;9.81";
+        if (pick(0, 1) == 0) text += ":GP 11;1E-6:GP 12;9000:GP 13;0.5:GP 14;5000:GP 15;0.01";
+        if (pick(0, 7) == 0) text += ":ET 0:LA 0";
+        return text;
+    }
+
+    std::string rowText(int columns) {
+        static constexpr const char* items[] = {
+            "WV 0;2",     "WV 0;1",      "WV 1;1",      "WV 2;1",     "WV 1;-1:VV 1;5", "WV 2;-2:VV 2;-4", "WV 1;0",
+            "WV 0;-1",    "WT 1",        "WT -1",       "WP 1",       "WP -1",          "WC -1",           "WC 1",
+            "PP 5E5",     "PP 1000",     "TT 900",      "TT 50",      "PP 0",           "PP -1E4",         "VV 1;30",
+            "VV 2;-20",   "VV 1;-0",     "VV 3;1E-42",  "CC 1;0.9",   "CP 400",         "LA -3",           "ET 1E-3",
+            "DD 1;0.02",  "DD -2;0.005", "HH 1;2",      "RR 1E4",     "WC 1:CC 1;1",    "WV 3;1:WV 3;-1",  "DD 2;0"};
+        std::string text;
+        for (int column = 0; column < columns; ++column) {
+            if (column > 0) text += '\t';
+            if (pick(1, 100) > keysInHundred_) continue;
+            text += '.'; // a text that begins with L would make its row an L row
+            text += items[pick(0, static_cast<int>(std::size(items)) - 1)];
+            if (pick(0, 2) == 0) text += std::string(":") + items[pick(0, static_cast<int>(std::size(items)) - 1)];
+        }
+        return text;
+    }
+
+    std::mt19937 random_;
+    int keysInHundred_ = 0;
+};
+
+void addRandomPairs(SimState& sim, RandomModel& random) {
+    sim.radActive = 1;
+    sim.sigmaRoot = 0.0154;
+    sim.radPairCount = 5;
+    sim.radFactor.allocate(0, 5);
+    for (auto& cells : sim.radPair) cells.allocate(0, 5);
+    for (int pair = 1; pair <= 5; ++pair) {
+        sim.radPair[0][pair] = random.pick(1, sim.nCells + 1);
+        sim.radPair[1][pair] = random.pick(-sim.nCells, sim.nCells);
+        sim.radFactor[pair] = 0.01f;
+    }
+}
+
+/// Runs steps of a model both ways and compares after each stage.
+void compareRuns(const SimState& start, const RowKernels& kernels, int threads, const std::string& name) {
+    SimState engine = start;
+    SimState plainly = start;
+    std::string engineMessages;
+    std::string plainMessages;
+    Interface ui;
+    Interface plainUi;
+    ui.showMessage = [&](const std::string& text) { engineMessages += text + "\n"; };
+    plainUi.showMessage = [&](const std::string& text) { plainMessages += text + "\n"; };
+    StagePlan plan = planStages(engine, threads, kernels);
+    for (int step = 1; step <= 4; ++step) {
+        engine.stepCount = plainly.stepCount = step;
+        for (int stage = 1; stage <= 4; ++stage) {
+            runStage(engine, ui, plan, stage);
+            plain::formWorkState(plainly, stage);
+            plain::updatePrimitives(plainly, plainUi);
+            plain::computeSlopes(plainly, stage);
+            ASSERT_EQ(difference(engine, plainly), "")
+                << name << ", step " << step << ", stage " << stage << ", " << kernels.name << ", threads " << threads;
+        }
+    }
+    ASSERT_EQ(engineMessages, plainMessages) << name;
+}
+
+TEST(engine, givesTheBitsOfThePlainEvaluation) {
+    const RowKernelList available = availableRowKernels();
+    int dimensionsSeen = 0;
+    for (unsigned seed = 1; seed <= 150; ++seed) {
+        RandomModel random(seed);
+        TestProgram test;
+        test.build(random.table());
+        ASSERT_GT(test.sim.nCells, 0) << "seed " << seed;
+        test.sim.stageWork = workSlot;
+        dimensionsSeen |= 1 << test.sim.nDim;
+        if (random.pick(0, 3) == 0) addRandomPairs(test.sim, random);
+        for (int k = 0; k < available.count; ++k)
+            for (int threads = 1; threads <= 3; ++threads)
+                compareRuns(test.sim, *available.kernels[k], threads, "seed " + std::to_string(seed));
+        if (testing::Test::HasFatalFailure()) return;
+    }
+    EXPECT_EQ(dimensionsSeen, 0b111110) << "all of one to five dimensions";
+}
+
+} // namespace
+} // namespace norvane
