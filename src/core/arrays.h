@@ -59,6 +59,7 @@ public:
 
     /// The cells of a component, from cell 0 on.
     T* component(std::int64_t component) { return &(*this)(0, component); }
+
     const T* component(std::int64_t component) const { return &(*this)(0, component); }
 
     std::int64_t firstComponent() const { return first_; }

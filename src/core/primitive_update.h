@@ -13,8 +13,8 @@ namespace norvane {
 ///   temperature    = energy / (heatCapacity cellMass)                 K      (held: energy follows)
 ///   velocity       = momentum / cellMass                              m/s    (imposed: momentum follows)
 ///   pressure       = gasFactor cellMass temperature / cellVolume      Pa     (held: stays)
-/// Faults: a density that is not at least 0 shows a message for each such cell and sets stopFlag; all fields are computed
-/// all the same. Divisions by zero pass on as infinities and NaNs. Throws std::bad_alloc.
+/// Faults: a density that is not at least 0 shows a message for each such cell and sets stopFlag; all fields are
+/// computed all the same. Divisions by zero pass on as infinities and NaNs. Throws std::bad_alloc.
 void updatePrimitives(SimState& sim, const Interface& ui);
 
 /// The part of it for the negative wall codes of one cell, whose mass, density and free primitives stand.

@@ -13,8 +13,8 @@ RowKernelList availableRowKernels() {
 #ifdef NORVANE_X86_KERNELS
     __builtin_cpu_init();
     if (__builtin_cpu_supports("avx2")) list.kernels[list.count++] = &avx2Kernels;
-    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512dq") &&
-        __builtin_cpu_supports("avx512vl"))
+    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512dq")
+        && __builtin_cpu_supports("avx512vl"))
         list.kernels[list.count++] = &avx512Kernels;
 #endif
     return list;

@@ -58,7 +58,8 @@ void call(const std::function<void(SimState&, Interface&)>& operation, SimState&
     if (operation) operation(sim, ui);
 }
 
-/// What follows the stages of a step. A stop that arrives behind the plot ends the run without a further plot or line.
+/// What follows the stages of a step. A stop that arrives behind the log line ends the run without a further plot or
+/// line.
 void runSchedule(SimState& sim, Interface& ui, const RunOperations& operations) {
     if (sim.stepCount >= sim.stopStep && sim.stopStep >= 0) {
         sim.stopFlag = 1;

@@ -73,6 +73,7 @@ double stateBytes(int nDim, int nsMax, std::int64_t nCells) {
 }
 
 void clearGeometry(SimState& sim) {
+    sim.runMode = modeStart;
     sim.nDim = 0;
     sim.nCells = 0;
     sim.nsMax = 0;

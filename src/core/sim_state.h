@@ -61,6 +61,7 @@ struct ToldFaults {
     bool stopFile = false;
     bool plotFile = false;
     bool snapshot = false;
+    bool state = false; ///< told each time, since each save is an act of its own
 };
 
 /// A sequence of random numbers that begins alike in every program, on every platform.
@@ -161,7 +162,7 @@ struct SimState {
     std::string graphTitle;
 
     // --- book-keeping of the loop --------------------------------------------------------------------------------
-    int threads = 0;      ///< of a run; 0: as suits the grid and the machine
+    int threads = 0;        ///< of a run; 0: as suits the grid and the machine
     int runDepth = 0;       ///< runs that are under way, each suspended in a yield of the next
     bool loading = false;   ///< a load is under way
     bool onlyLooks = false; ///< a program that draws or exports: stop file, log and plot file are left as they are
@@ -179,8 +180,8 @@ bool allocateState(SimState& sim);
 /// Bytes that allocateState needs for such a grid, the texts of the table not counted.
 double stateBytes(int nDim, int nsMax, std::int64_t nCells);
 
-/// Forgets the geometry: nDim and nCells 0, arrays of a grid without cells, so that no command finds a mix of two
-/// grids.
+/// Forgets the geometry: runMode modeStart, nDim and nCells 0, arrays of a grid without cells, so that no command finds
+/// a mix of two grids.
 void clearGeometry(SimState& sim);
 
 } // namespace norvane

@@ -54,7 +54,7 @@ void radiationPairs(SimState& sim, int stage) {
         if (!pairInGrid(sim, pair)) continue;
         const std::int32_t first = sim.radPair[0][pair];
         const std::int32_t second = std::abs(sim.radPair[1][pair]);
-        // The root scales the temperatures, so that their fourth powers stay far from the limits of a single.
+        // The root scales the temperatures, so that their fourth powers are emissive powers in W/m2.
         const auto firstScaled = static_cast<float>(sim.sigmaRoot * double(sim.temperature[first]));
         const auto secondScaled = static_cast<float>(sim.sigmaRoot * double(sim.temperature[second]));
         const auto flow =

@@ -75,15 +75,16 @@ struct SlotRows {
     float* slot[6];
 };
 
-template <class Slots> SlotRows slotRows(Slots& slots, std::int64_t component, std::int64_t first) {
+template <class Slots>
+SlotRows slotRows(Slots& slots, std::int64_t component, std::int64_t first) {
     SlotRows rows;
     for (int slot = 0; slot <= workSlot; ++slot) rows.slot[slot] = slots.slot(slot).component(component) + first;
     return rows;
 }
 
 /// `code` is null where no cell of the row is held.
-void formComponent(const RowKernels& kernels, int count, const SlotRows& q, int stage, double dt,
-                   const std::int16_t* code) {
+void formComponent(
+    const RowKernels& kernels, int count, const SlotRows& q, int stage, double dt, const std::int16_t* code) {
     const double h = stage == 4 ? dt : dt * 0.5;
     if (stage == 1 && code == nullptr)
         kernels.completeStep(count, q.slot[workSlot], q.slot[committedSlot], q.slot, dt);
@@ -241,9 +242,11 @@ struct SlopeRow {
     double* flows(int dim, int side) const {
         return workspace.flows.data() + std::int64_t{2 * (dim - 1) + side} * plan.rowCells;
     }
+
     std::int32_t* gates(int dim, int side) const {
         return workspace.openFaces.data() + std::int64_t{2 * (dim - 1) + side} * plan.rowCells;
     }
+
     float* slope(const auto& slots, std::int64_t component) const {
         return const_cast<float*>(slots.slot(stage).component(component)) + first;
     }
@@ -288,8 +291,8 @@ RowFaces facesAcross(const SlopeRow& r, int dim) {
     const bool hasLower = place > 0;
     const bool hasUpper = place < sim.cellCount[dim] - 1;
     const auto isGated = [&](std::int64_t lower) {
-        return plan.dimensionTraits[lower * sim.nDim + dim - 1].closed || plan.thinRow[lower] != 0 ||
-               plan.thinRow[lower + rowStride] != 0;
+        return plan.dimensionTraits[lower * sim.nDim + dim - 1].closed || plan.thinRow[lower] != 0
+               || plan.thinRow[lower + rowStride] != 0;
     };
     const bool gated = (hasLower && isGated(r.row - rowStride)) || (hasUpper && isGated(r.row));
     if (hasLower) formFaces(r, dim, 0, r.first - stride, plan.rowCells, gated);
@@ -472,9 +475,8 @@ void computeSlopes(SimState& sim, StagePlan& plan, int stage) {
         plan.thinRow[static_cast<std::size_t>(row)] =
             plan.kernels->allAbove(plan.rowCells, &sim.density[firstCell(plan, row)], sim.rhoFloor) ? 0 : 1;
     const auto nothing = [](StageWorkspace&, std::int64_t) {};
-    sweepRows(plan, nothing, [&](StageWorkspace& workspace, std::int64_t row) {
-        computeSlopeRow(sim, plan, workspace, stage, row);
-    });
+    sweepRows(plan, nothing,
+              [&](StageWorkspace& workspace, std::int64_t row) { computeSlopeRow(sim, plan, workspace, stage, row); });
     if (sim.radActive == 1) radiationPairs(sim, stage);
 }
 

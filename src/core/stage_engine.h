@@ -1,7 +1,7 @@
 #pragma once
-// The stages of a step, row by row. A row is all cells that differ in dimension 1 alone; its cells lie behind one another
-// in every component, so that each term is one loop over them (row_kernels.h). The result is that of the formulas cell by
-// cell, bit for bit, for any instruction set and number of threads.
+// The stages of a step, row by row. A row is all cells that differ in dimension 1 alone; its cells lie behind one
+// another in every component, so that each term is one loop over them (row_kernels.h). The result is that of the
+// formulas cell by cell, bit for bit, for any instruction set and number of threads.
 
 #include "core/row_kernels.h"
 #include "core/sim_state.h"
@@ -14,8 +14,8 @@
 
 namespace norvane {
 
-/// What a row needs beside the plain loops. Of dimension 1 the last cell is left out where its code is positive, as it is
-/// by default; `closedEnd` stands for it.
+/// What a row needs beside the plain loops. Of dimension 1 the last cell is left out where its code is positive, as it
+/// is by default; `closedEnd` stands for it.
 struct RowTraits {
     bool heldSpecies = false;       ///< some wallPressure other than 0
     bool heldPressure = false;      ///< some wallPressure below 0
@@ -35,20 +35,21 @@ struct DimensionTraits {
 
 /// Rows of one thread's own.
 struct StageWorkspace {
-    std::vector<double> flows;              ///< of the lower and the upper faces of a row, dimension by dimension
-    std::vector<std::int32_t> openFaces;    ///< the same for the gates
-    std::vector<std::int32_t> faultyCells;  ///< cells whose density is not at least 0, in this stage
+    std::vector<double> flows;             ///< of the lower and the upper faces of a row, dimension by dimension
+    std::vector<std::int32_t> openFaces;   ///< the same for the gates
+    std::vector<std::int32_t> faultyCells; ///< cells whose density is not at least 0, in this stage
 };
 
 /// What all stages of a run share: it follows from the model and stays until the next build.
 struct StagePlan {
     const RowKernels* kernels = nullptr;
-    int rowCells = 0;       ///< cells of a row
+    int rowCells = 0; ///< cells of a row
     std::int64_t rows = 0;
-    std::int64_t reach = 0; ///< rows from one to the farthest that its slopes read
+    std::int64_t reach = 0;                       ///< rows from one to the farthest that its slopes read
     std::vector<RowTraits> rowTraits;             ///< [rows]
     std::vector<DimensionTraits> dimensionTraits; ///< [rows * nDim]
-    std::vector<std::int32_t> imposedCells; ///< cells with a negative wall code, ascending: primitives are imposed there
+    std::vector<std::int32_t>
+        imposedCells; ///< cells with a negative wall code, ascending: primitives are imposed there
     std::vector<std::int64_t> imposedOfRow; ///< [rows + 1] where the cells of a row begin in imposedCells
     std::vector<std::int32_t> sourceCells;  ///< cells with a sink or an exchange of species, ascending
     std::vector<std::int64_t> sourcesOfRow; ///< [rows + 1] where the cells of a row begin in sourceCells

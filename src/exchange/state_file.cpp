@@ -181,58 +181,50 @@ void takeHeldBack(SimState& sim) {
 
 } // namespace
 
-void saveState(SimState& sim, Interface& ui) {
-    if (sim.nDim == 0) {
-        ui.showMessage("select an input geometery first");
-        return;
-    }
+bool saveState(SimState& sim, Interface& ui) {
+    const auto fail = [&](const std::string& message) {
+        sim.told.state = true;
+        ui.showMessage(message);
+        return false;
+    };
+    if (sim.nDim == 0) return fail("select an input geometery first");
     std::string text;
-    if (!formatState(sim, text)) {
-        ui.showMessage("The state is not saved: there is not enough memory for the text of " + stateName(sim) + ".");
-        return;
-    }
+    if (!formatState(sim, text))
+        return fail("The state is not saved: there is not enough memory for the text of " + stateName(sim) + ".");
     const FileResult opened = tryOpenForWriting(statePath(sim));
     sim.openError = opened.error;
-    if (!opened) {
-        ui.showMessage(openFault);
-        return;
-    }
+    if (!opened) return fail(openFault);
     const FileResult written = overwriteFile(statePath(sim), text);
     if (!written)
-        ui.showMessage("The state file " + stateName(sim) + " can't be written: " + written.reason + "." + lineEnd
-                       + "The state in memory is unchanged; what the file holds may be incomplete.");
+        return fail("The state file " + stateName(sim) + " can't be written: " + written.reason + "." + lineEnd
+                    + "The state in memory is unchanged; what the file holds may be incomplete.");
+    return true;
 }
 
-void recallState(SimState& sim, Interface& ui) {
-    if (sim.nDim == 0) {
-        ui.showMessage("select an input geometry first");
-        return;
-    }
+bool recallState(SimState& sim, Interface& ui) {
+    const auto fail = [&](const std::string& message) {
+        ui.showMessage(message);
+        return false;
+    };
+    if (sim.nDim == 0) return fail("select an input geometry first");
     std::string text;
     const FileResult opened = tryOpenForReading(statePath(sim));
     sim.openError = opened.error;
-    if (!opened) {
-        ui.showMessage(openFault);
-        return;
-    }
+    if (!opened) return fail(openFault);
     const FileResult read = readFile(statePath(sim), text);
-    if (!read) {
-        ui.showMessage("The state file " + stateName(sim) + " can't be read: " + read.reason + "." + lineEnd
-                       + "Nothing has changed.");
-        return;
-    }
+    if (!read)
+        return fail("The state file " + stateName(sim) + " can't be read: " + read.reason + "." + lineEnd
+                    + "Nothing has changed.");
     sim.runMode = modeModelStands; // not modeGeometryRead: the build must not empty the log
     buildModel(sim, ui);
     StateReader reader{stateName(sim), {text}, 0, {}};
     const bool isWhole = readHeader(reader, sim) && readConserved(reader, sim);
     if (isWhole) takeHeldBack(sim);
     clearSlopes(sim);
-    if (!isWhole) {
-        ui.showMessage(reader.fault);
-        return;
-    }
+    if (!isWhole) return fail(reader.fault);
     sim.stepCount = reader.stepCount;
     updatePrimitives(sim, ui);
+    return true;
 }
 
 } // namespace norvane

@@ -17,13 +17,15 @@ namespace norvane {
 ///   F  concentration, species by species                  -
 /// Slot 0 is the state before the step that stepCount has counted; the slopes of that step are not in the file.
 /// Faults, each told by a message: no geometry; a file that can't be opened or written; no memory for the text.
-/// openError becomes the error of the open. Nothing else of the state changes.
-void saveState(SimState& sim, Interface& ui);
+/// openError becomes the error of the open, and told.state marks a fault; nothing else of the state changes. Gives true
+/// when the file is written.
+bool saveState(SimState& sim, Interface& ui);
 
 /// Builds the model afresh and takes stepCount and groups A to C of the state file into it: slots 0 and 5, with slopes
 /// 0 and the primitives derived from them. The file is checked up to the end of group C before anything is taken.
 /// Faults, each told by a message. No geometry, or a file that can't be opened or read: nothing has changed. Another
 /// number of cells, a file that ends early, text in the place of a number: the freshly built model stays.
-void recallState(SimState& sim, Interface& ui);
+/// Gives true when the state is taken.
+bool recallState(SimState& sim, Interface& ui);
 
 } // namespace norvane

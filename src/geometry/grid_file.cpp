@@ -17,7 +17,7 @@ namespace {
 constexpr const char* lineEnd = "\r\n";
 constexpr std::int32_t maxInt16 = std::numeric_limits<std::int16_t>::max();
 constexpr std::int64_t maxInt32 = std::numeric_limits<std::int32_t>::max();
-constexpr int maxLayerMessages = 100; ///< a table in which so many rows are out of place is something else
+constexpr int maxLayerMessages = 1000; ///< a table in which so many rows are out of place is something else
 
 /// What lives only during a load.
 struct Load {

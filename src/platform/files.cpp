@@ -27,8 +27,11 @@ struct Closer {
 
 using File = std::unique_ptr<std::FILE, Closer>;
 
+constexpr int notAFile = EINVAL; ///< told by openFile of pipes, sockets and, for reading, devices
+
 FileResult failure(int number) {
     if (number == 0) number = EIO; // a fault that the library does not number
+    if (number == notAFile) return {number, "it is not a file"};
     return {number, std::generic_category().message(number)};
 }
 
@@ -42,7 +45,7 @@ File openFile(const std::string& path, const char* mode) {
     const bool isDevice = type == file_type::character || type == file_type::block;
     if (type == file_type::directory || type == file_type::fifo || type == file_type::socket
         || (isDevice && isReading)) {
-        errno = type == file_type::directory ? EISDIR : EINVAL;
+        errno = type == file_type::directory ? EISDIR : notAFile;
         return nullptr;
     }
     errno = 0;
@@ -50,6 +53,7 @@ File openFile(const std::string& path, const char* mode) {
 }
 
 bool writeAll(std::FILE* file, std::string_view content) {
+    if (content.empty()) return true;
     return std::fwrite(content.data(), 1, content.size(), file) == content.size() && std::fflush(file) == 0;
 }
 
@@ -85,10 +89,14 @@ std::string joinPath(const std::string& folder, const std::string& name) {
 }
 
 std::string absolutePath(const std::string& path) {
+    namespace fs = std::filesystem;
     std::error_code failed; // without a working directory the path stays as it is
-    std::filesystem::path whole = std::filesystem::absolute(path, failed);
+    fs::path whole = fs::absolute(path, failed);
     if (failed) whole = path;
-    whole = whole.lexically_normal();
+    const bool climbs = std::find(whole.begin(), whole.end(), "..") != whole.end();
+    // Behind a link ".." is not the folder that the text names.
+    const fs::path resolved = climbs ? fs::weakly_canonical(whole, failed) : whole;
+    whole = (failed ? whole : resolved).lexically_normal();
     if (whole.has_relative_path() && whole.filename().empty()) whole = whole.parent_path();
     return whole.string();
 }
@@ -133,10 +141,44 @@ FileResult overwriteFile(const std::string& path, std::string_view content) {
     if (!file && errno == ENOENT) file = openFile(path, "wb");
     if (!file) return failure(errno);
     errno = 0;
-    if (!writeAll(file.get(), content) || !cutTo(file.get(), content.size()) || !flushToDisc(file.get()))
-        return failure(errno);
+    std::FILE* const to = file.get();
+    const std::string_view rest = content.empty() ? content : content.substr(1);
+    // Until all else is safe a mark stands in the first place, so that no reader takes a mixture of old and new for
+    // whole.
+    const bool written = writeAll(to, "#") && flushToDisc(to) && writeAll(to, rest) && cutTo(to, content.size())
+                         && flushToDisc(to) && std::fseek(to, 0, SEEK_SET) == 0 && writeAll(to, content.substr(0, 1))
+                         && flushToDisc(to);
+    if (!written) return failure(errno);
     if (std::fclose(file.release()) != 0) return failure(errno);
     return {};
+}
+
+FileResult replaceFile(const std::string& path, std::string_view content) {
+    namespace fs = std::filesystem;
+    std::error_code failed;
+    const fs::path linked = fs::weakly_canonical(path, failed); // a link stays, and leads to the new file
+    const std::string target = failed ? path : linked.string();
+    const bool exists = fs::exists(target, failed);
+    if (exists && !fs::is_regular_file(target, failed))
+        return writeFile(path, content); // a device takes it as it comes
+    std::string beside;
+    File file;
+    for (int number = 0; !file && number < 100; ++number) {
+        beside = target + ".part" + std::to_string(number);
+        errno = 0;
+        file.reset(std::fopen(beside.c_str(), "wbx")); // never one that somebody else has made
+        if (!file && errno != EEXIST) return failure(errno);
+    }
+    if (!file) return failure(EEXIST);
+    errno = 0;
+    bool written = writeAll(file.get(), content);
+    if (std::fclose(file.release()) != 0) written = false;
+    const int number = errno;
+    if (written) fs::rename(beside, target, failed);
+    if (written && !failed) return {};
+    const FileResult fault = written ? FileResult{failed.value(), failed.message()} : failure(number);
+    fs::remove(beside, failed);
+    return fault;
 }
 
 FileResult tryOpenForWriting(const std::string& path) {
@@ -153,6 +195,26 @@ FileResult removeFile(const std::string& path) {
     std::error_code failed;
     std::filesystem::remove(path, failed);
     return failed ? FileResult{failed.value(), failed.message()} : FileResult{};
+}
+
+std::string programPath(const std::string& calledName) {
+    namespace fs = std::filesystem;
+    if (fs::path(calledName).has_parent_path()) return absolutePath(calledName);
+#ifdef _WIN32
+    constexpr char separator = ';';
+#else
+    constexpr char separator = ':';
+#endif
+    const char* const variable = std::getenv("PATH");
+    std::string folders = variable == nullptr ? "" : variable;
+    while (!folders.empty()) {
+        const std::size_t end = std::min(folders.find(separator), folders.size());
+        const std::string candidate = joinPath(folders.substr(0, end), calledName);
+        std::error_code unknown;
+        if (end > 0 && fs::is_regular_file(candidate, unknown)) return absolutePath(candidate);
+        folders.erase(0, std::min(end + 1, folders.size()));
+    }
+    return absolutePath(calledName);
 }
 
 std::vector<std::string> listFiles(const std::string& folder, const std::string& ending) {

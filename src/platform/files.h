@@ -28,6 +28,10 @@ std::string absolutePath(const std::string& path);
 std::string folderOf(const std::string& path);
 std::string nameOf(const std::string& path);
 
+/// The absolute path of the program's own file, given the name that it was called by: one without a folder was found
+/// through the search path.
+std::string programPath(const std::string& calledName);
+
 /// Reads all bytes of a file. On failure `content` is empty.
 FileResult readFile(const std::string& path, std::string& content);
 
@@ -40,6 +44,10 @@ FileResult appendFile(const std::string& path, std::string_view content);
 /// Writes over the old content in place without emptying it first, cuts the file to its new length and flushes it to
 /// the disc, so that a full disc or a crash costs as little of the old content as it can.
 FileResult overwriteFile(const std::string& path, std::string_view content);
+
+/// Replaces a file by way of a new one beside it: the name stands for the old content or the whole new one. A link
+/// stays a link. Nothing that others have made beside it is touched.
+FileResult replaceFile(const std::string& path, std::string_view content);
 
 /// Opens for writing without changing the content, creating the file if need be, and closes: what a write would meet.
 FileResult tryOpenForWriting(const std::string& path);

@@ -32,4 +32,12 @@ int runProcess(const std::vector<std::string>& arguments) {
 #endif
 }
 
+int processNumber() {
+#ifdef _WIN32
+    return ::_getpid();
+#else
+    return static_cast<int>(::getpid());
+#endif
+}
+
 } // namespace norvane

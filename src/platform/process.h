@@ -11,4 +11,7 @@ constexpr int processNotFound = -1;
 /// such program, another negative number where it ended without a status.
 int runProcess(const std::vector<std::string>& arguments);
 
+/// The number by which the system knows this process: no other that runs has it.
+int processNumber();
+
 } // namespace norvane

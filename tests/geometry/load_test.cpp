@@ -162,7 +162,7 @@ TEST(load, aMisplacedLastMarkLeavesAGridWithoutCellsOnWhichEveryCommandIsSafe) {
 TEST(load, ofATableFullOfMisplacedMarksEnds) {
     TestProgram test;
     const auto messages = test.load("L\n\nL32000");
-    EXPECT_EQ(messages.size(), 101u);
+    EXPECT_EQ(messages.size(), 1001u);
     EXPECT_THAT(messages.back(), HasSubstr("too many rows are out of place"));
     EXPECT_EQ(test.sim.nDim, 0);
 }

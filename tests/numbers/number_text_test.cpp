@@ -37,6 +37,19 @@ TEST(numberText, theFormIsSettledAfterRounding) {
     EXPECT_EQ(generalText(24.999999999999996), "25");
 }
 
+/// Leaves the letter e all over the stack below the caller.
+[[gnu::noinline]] void litterStack() {
+    volatile char litter[4096];
+    for (volatile char& c : litter) c = 'e';
+}
+
+TEST(numberText, doesNotDependOnWhatLiesInMemory) {
+    litterStack();
+    EXPECT_EQ(generalText(1.562615e-20f), "1.562615E-20");
+    litterStack();
+    EXPECT_EQ(generalText(1.25e-30), "1.25E-30");
+}
+
 TEST(numberText, framesPutASignOrABlankInFront) {
     EXPECT_EQ(framed(1.5f), " 1.5 ");
     EXPECT_EQ(framed(-1.5f), "-1.5 ");

@@ -161,7 +161,7 @@ TEST(commandLine, aSignalOrTheStopFileEndsARunInOrder) {
     for (const char* act :
          {"kill -INT $pid", "kill -TERM $pid", "while [ ! -s checkstop ]; do sleep 0.05; done; echo 1 > checkstop"}) {
         // A shell ignores interrupts for what it starts in the background; env puts the default back.
-        test.write("act.sh", "rm -f out; env --default-signal=INT timeout 100 " + program
+        test.write("act.sh", "rm -f out; env --default-signal=INT timeout --foreground 100 " + program
                                  + " run m.gmt > out & pid=$!\nwhile [ ! -s out ]; do sleep 0.05; done\n" + act
                                  + "\nwait $pid\necho status $?\n");
         std::FILE* pipe = ::popen("sh act.sh", "r");

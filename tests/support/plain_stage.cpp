@@ -12,7 +12,6 @@ namespace norvane::plain {
 
 namespace {
 
-
 /// One face as a visiting cell sees it. Flow and coefficients belong to the lower cell, the carried values to the
 /// donor, whichever side the visitor is on: so what one cell gains the other loses.
 struct Face {
@@ -256,7 +255,6 @@ void updatePrimitives(SimState& sim, const Interface& ui) {
         updatePressure(sim, cell);
     }
 }
-
 
 void formWorkState(SimState& sim, int stage) {
     const double dt = sim.dt;

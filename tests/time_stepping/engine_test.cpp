@@ -56,7 +56,8 @@ public:
         const int rows = dims >= 2 ? pick(2, 5) : 1;
         keysInHundred_ = pick(0, 2) == 0 ? 3 : 30; // rows without any code have loops of their own
         const std::string tabs(static_cast<std::size_t>(columns - 1), '\t');
-        std::string text = "NS " + std::to_string(pick(0, 3)) + ":" + defaults() + tabs + "\n" + "x" + tabs + "\nL" + tabs;
+        std::string text =
+            "NS " + std::to_string(pick(0, 3)) + ":" + defaults() + tabs + "\n" + "x" + tabs + "\nL" + tabs;
         int blocks[3] = {dims >= 3 ? pick(2, 3) : 1, dims >= 4 ? 2 : 1, dims >= 5 ? 2 : 1};
         for (int five = 1; five <= blocks[2]; ++five)
             for (int four = 1; four <= blocks[1]; ++four)
@@ -82,11 +83,11 @@ private:
 
     std::string rowText(int columns) {
         static constexpr const char* items[] = {
-            "WV 0;2",     "WV 0;1",      "WV 1;1",      "WV 2;1",     "WV 1;-1:VV 1;5", "WV 2;-2:VV 2;-4", "WV 1;0",
-            "WV 0;-1",    "WT 1",        "WT -1",       "WP 1",       "WP -1",          "WC -1",           "WC 1",
-            "PP 5E5",     "PP 1000",     "TT 900",      "TT 50",      "PP 0",           "PP -1E4",         "VV 1;30",
-            "VV 2;-20",   "VV 1;-0",     "VV 3;1E-42",  "CC 1;0.9",   "CP 400",         "LA -3",           "ET 1E-3",
-            "DD 1;0.02",  "DD -2;0.005", "HH 1;2",      "RR 1E4",     "WC 1:CC 1;1",    "WV 3;1:WV 3;-1",  "DD 2;0"};
+            "WV 0;2",    "WV 0;1",      "WV 1;1",     "WV 2;1",   "WV 1;-1:VV 1;5", "WV 2;-2:VV 2;-4", "WV 1;0",
+            "WV 0;-1",   "WT 1",        "WT -1",      "WP 1",     "WP -1",          "WC -1",           "WC 1",
+            "PP 5E5",    "PP 1000",     "TT 900",     "TT 50",    "PP 0",           "PP -1E4",         "VV 1;30",
+            "VV 2;-20",  "VV 1;-0",     "VV 3;1E-42", "CC 1;0.9", "CP 400",         "LA -3",           "ET 1E-3",
+            "DD 1;0.02", "DD -2;0.005", "HH 1;2",     "RR 1E4",   "WC 1:CC 1;1",    "WV 3;1:WV 3;-1",  "DD 2;0"};
         std::string text;
         for (int column = 0; column < columns; ++column) {
             if (column > 0) text += '\t';

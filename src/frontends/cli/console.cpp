@@ -23,7 +23,6 @@ std::string withPlainLineEnds(const std::string& text) {
 }
 
 void tell(Console& console, const std::string& text) {
-    console.messages += 1;
     const bool isDensity = text.find("negative density") != std::string::npos;
     if (isDensity && ++console.densityMessages > maxDensityMessages) return;
     console.beforeMessage();
@@ -44,25 +43,27 @@ void tellHeldBackMessages(const Console& console) {
 
 ExitStatus loadFor(Console& console, const std::string& geometry) {
     Program& program = console.program;
+    if (nameOf(geometry).empty()) {
+        std::fprintf(stderr, "\"%s\" names no geometry file\n", geometry.c_str());
+        return exitFileFault;
+    }
     const FileResult readable = tryOpenForReading(geometry);
     program.sim.batchMode = 1;
     selectGeometry(program, geometry);
     loadGeometry(program.sim, program.ui);
     if (!readable) return exitFileFault;
-    return program.sim.nDim == 0 ? exitNoModel : exitDone;
+    if (program.sim.nDim > 0 && program.sim.nCells == 0)
+        std::fprintf(stderr, "%s: a grid without cells; mend its layer marks\n", program.sim.fileName.c_str());
+    return program.sim.nCells == 0 ? exitNoModel : exitDone;
 }
 
 ExitStatus standModel(Console& console, bool recalled) {
     SimState& sim = console.program.sim;
     sim.onlyLooks = true;
     sim.stageWork = workSlot;
-    const std::int64_t messagesBefore = console.messages;
-    if (!recalled) {
-        buildModel(sim, console.program.ui);
-        return exitDone;
-    }
-    recallState(sim, console.program.ui);
-    return console.messages > messagesBefore ? exitFileFault : exitDone;
+    if (recalled) return recallState(sim, console.program.ui) ? exitDone : exitFileFault;
+    buildModel(sim, console.program.ui);
+    return exitDone;
 }
 
 std::string describedGrid(const SimState& sim) {

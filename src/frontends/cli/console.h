@@ -11,7 +11,6 @@ namespace norvane {
 
 struct Console {
     Program program;
-    std::int64_t messages = 0;                   ///< all that the program has shown
     std::int64_t densityMessages = 0;            ///< those of them about negative density
     std::function<void()> beforeMessage = [] {}; ///< makes room for a line
 };

@@ -5,6 +5,7 @@
 #include "platform/process.h"
 
 #include <cstdio>
+#include <filesystem>
 
 namespace norvane {
 
@@ -50,15 +51,24 @@ void takeFrame(Frames& frames, SimState& sim, Interface& ui) {
 }
 
 std::string makeMovie(const Frames& frames, const std::string& path) {
-    if (frames.paths.empty()) return "there are no frames";
-    const std::string listPath = absolutePath(path) + ".frames.txt";
+    if (frames.paths.empty()) return "there are no pictures";
+    const std::filesystem::path whole = absolutePath(path);
+    // Beside the film, under names that nobody has: an older film stays until the new one is complete.
+    const std::string beside =
+        (whole.parent_path() / (whole.stem().string() + ".part" + std::to_string(processNumber()))).string();
+    const std::string listPath = beside + ".txt";
+    const std::string partPath = beside + whole.extension().string();
     const FileResult listed = writeFile(listPath, frameList(frames));
     if (!listed) return listPath + " can't be written: " + listed.reason;
     const int status = runProcess({"ffmpeg", "-nostdin", "-loglevel", "error", "-y", "-f", "concat", "-safe", "0", "-i",
-                                   listPath, "-vf", "pad=ceil(iw/2)*2:ceil(ih/2)*2", "-pix_fmt", "yuv420p", path});
+                                   listPath, "-vf", "pad=ceil(iw/2)*2:ceil(ih/2)*2", "-pix_fmt", "yuv420p", partPath});
     removeFile(listPath);
+    std::error_code failed;
+    if (status == 0) std::filesystem::rename(partPath, whole, failed);
+    if (status != 0 || failed) removeFile(partPath);
     if (status == processNotFound) return "ffmpeg is not installed";
     if (status != 0) return "ffmpeg could not make it";
+    if (failed) return failed.message();
     for (const std::string& frame : frames.paths) removeFile(frame);
     return {};
 }

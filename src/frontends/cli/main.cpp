@@ -58,10 +58,13 @@ CLI::App* addRun(CLI::App& app, RunOptions& options) {
     run->add_flag("--radiation", options.radiation, "import the view factors m_rad first");
     run->add_option("--plot-every", options.plotEvery, "plot every N steps instead of key UT")
         ->type_name("N")
-        ->check(CLI::PositiveNumber);
+        ->check(CLI::Range(1, 2147483647));
     run->add_option("--snapshots", options.frameEvery, "write a picture m_STEP.png every N steps")
         ->type_name("N")
-        ->check(CLI::PositiveNumber);
+        ->check(CLI::Range(1, 2147483647));
+    run->add_option("--threads", options.threads, "threads of the computation; the results are the same for any number")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1024));
     run->add_option("--movie", options.movie, "make a film of these pictures, such as m.mp4, with ffmpeg")
         ->type_name("FILE")
         ->needs("--snapshots");
@@ -97,7 +100,7 @@ CLI::App* addSpectrum(CLI::App& app, SpectrumOptions& options) {
     spectrum->add_option("--points", options.points, "frequency points; there is one row more")
         ->capture_default_str()
         ->type_name("N")
-        ->check(CLI::NonNegativeNumber);
+        ->check(CLI::Range(0, 2147483646));
     spectrum->add_flag("--state", options.state, "recall the saved state first");
     spectrum->footer(lookStatusHelp);
     return spectrum;
@@ -140,7 +143,8 @@ int runNamedForBatch(int argc, char** argv) {
         std::cerr << "usage: " << nameOf(argv[0]) << " [GEOMETRY]\n";
         return exitBadUse;
     }
-    return runBatch({folderOf(argv[0]), nameOf(argv[0]), argc == 2 ? argv[1] : ""});
+    const std::string program = programPath(argv[0]);
+    return runBatch({folderOf(program), nameOf(program), argc == 2 ? argv[1] : ""});
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 #include "frontends/cli/frames.h"
 #include "frontends/cli/progress.h"
 #include "frontends/image/image_surface.h"
+#include "platform/files.h"
 
 #include <csignal>
 #include <cstdio>
@@ -96,14 +97,10 @@ void connectRun(ConsoleRun& run) {
 void catchSignals() {
     std::signal(SIGINT, takeSignal);
     std::signal(SIGTERM, takeSignal);
-}
-
-/// Performs an act that tells its faults by messages; gives false after one.
-template <class Act>
-bool succeeds(const Console& console, const Act& act) {
-    const std::int64_t messagesBefore = console.messages;
-    act();
-    return console.messages == messagesBefore;
+#ifndef _WIN32
+    std::signal(SIGHUP, takeSignal); // the terminal goes: end in order all the same
+    std::signal(SIGPIPE, SIG_IGN);   // nobody reads the progress any more: the run is worth more than that
+#endif
 }
 
 bool saveAtEnd(ConsoleRun& run) {
@@ -112,7 +109,7 @@ bool saveAtEnd(ConsoleRun& run) {
         std::fprintf(stderr, "The state is not saved: it holds negative density.\n");
         return true;
     }
-    const bool saved = succeeds(run.console, [&] { saveState(program.sim, program.ui); });
+    const bool saved = saveState(program.sim, program.ui);
     if (saved) say(run, "The state is saved in " + program.sim.baseName + "_state.");
     return saved;
 }
@@ -123,9 +120,9 @@ bool makeMovieAtEnd(const ConsoleRun& run) {
         say(run, "The film " + run.options.movie + " has " + std::to_string(run.frames.paths.size()) + " pictures.");
         return true;
     }
-    std::fprintf(stderr, "No film %s: %s. The pictures %s*.png stay.\n", run.options.movie.c_str(), fault.c_str(),
-                 run.frames.prefix.c_str());
-    return fault == "ffmpeg is not installed";
+    const std::string rest = run.frames.paths.empty() ? "" : " The pictures " + run.frames.prefix + "*.png stay.";
+    std::fprintf(stderr, "No film %s: %s.%s\n", run.options.movie.c_str(), fault.c_str(), rest.c_str());
+    return false;
 }
 
 void tellEnd(ConsoleRun& run) {
@@ -152,8 +149,9 @@ int finish(ConsoleRun& run) {
     if (!run.options.movie.empty()) written = makeMovieAtEnd(run) && written;
     const SimState& sim = run.console.program.sim;
     if (sim.outcome.negativeDensity) return exitEndedByModel;
-    const bool missesOutput = sim.told.log || sim.told.plotFile || sim.told.snapshot || !run.frames.result;
-    if (missesOutput || !written) return exitFileFault;
+    const ToldFaults& told = sim.told;
+    const bool missesOutput = told.log || told.stopFile || told.plotFile || told.snapshot || told.state;
+    if (missesOutput || !written || !run.frames.result) return exitFileFault;
     return sim.outcome.reachedStopStep ? exitDone : exitStoppedEarly;
 }
 
@@ -163,6 +161,7 @@ int runGeometry(const RunOptions& options) {
     ConsoleRun run(options);
     connectRun(run);
     Program& program = run.console.program;
+    program.sim.threads = options.threads;
     const ExitStatus loaded = loadFor(run.console, options.geometry);
     if (loaded != exitDone) return loaded;
     run.frames.prefix = absolutePath(program.sim.inputDir + "/" + program.sim.baseName + "_");
@@ -170,7 +169,7 @@ int runGeometry(const RunOptions& options) {
     if (options.radiation && program.sim.radActive != 1) return exitFileFault; // told by a message
     catchSignals();
     if (options.recall) {
-        if (!succeeds(run.console, [&] { recallState(program.sim, program.ui); })) return exitFileFault;
+        if (!recallState(program.sim, program.ui)) return exitFileFault;
         continueRun(program.sim, program.ui, program.operations);
     } else {
         runSimulation(program.sim, program.ui, program.operations);
@@ -183,7 +182,9 @@ int runBatch(const ProgramStart& start) {
     connectRun(run);
     catchSignals();
     startProgram(run.console.program, start);
-    return run.ran ? finish(run) : static_cast<int>(exitNoModel);
+    if (run.ran) return finish(run);
+    const bool unreadable = !start.geometry.empty() && !tryOpenForReading(start.geometry);
+    return unreadable ? exitFileFault : exitNoModel;
 }
 
 } // namespace norvane

@@ -14,6 +14,7 @@ struct RunOptions {
     bool radiation = false; ///< imports the view factors first
     int plotEvery = 0;      ///< steps between plots; 0: as the geometry tells
     int frameEvery = 0;     ///< steps between pictures; 0: none but those that the geometry tells
+    int threads = 0;        ///< 0: as suits the grid and the machine
     std::string movie;      ///< file of the film of the pictures; empty: none
 };
 

@@ -173,6 +173,17 @@ std::size_t characterLength(std::string_view text) {
     return tooLong || noCharacter ? 0 : length;
 }
 
+/// Places of Unicode that are no characters: U+FDD0 to U+FDEF, and the last two of each plane.
+bool isNoncharacter(std::string_view character) {
+    if (character.size() < 3) return false;
+    const auto byte = [&](std::size_t k) { return static_cast<unsigned char>(character[k]); };
+    const std::size_t last = character.size() - 1;
+    const bool endsPlane = byte(last) >= 0xBE && byte(last - 1) == 0xBF
+                           && (character.size() == 3 ? byte(0) == 0xEF : (byte(1) & 0x0F) == 0x0F);
+    const bool isReserved = byte(0) == 0xEF && byte(1) == 0xB7 && byte(2) >= 0x90 && byte(2) <= 0xAF;
+    return endsPlane || (character.size() == 3 && isReserved);
+}
+
 /// A text that Cairo takes: it stops drawing for good at a byte that is no UTF-8, and a title may have come from a file
 /// name of any encoding.
 std::string printable(std::string_view text) {
@@ -180,7 +191,7 @@ std::string printable(std::string_view text) {
     while (!text.empty()) {
         const std::size_t length = characterLength(text);
         const bool isControl = static_cast<unsigned char>(text[0]) < ' ' || text[0] == '\x7f';
-        if (length == 0)
+        if (length == 0 || isNoncharacter(text.substr(0, length)))
             clean += '?';
         else if (isControl)
             clean += ' ';

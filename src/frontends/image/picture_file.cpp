@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <exception>
-#include <filesystem>
 
 namespace norvane {
 
@@ -45,18 +44,6 @@ std::string pngBytes(const Picture& image) {
     const bool made =
         cairo_surface_write_to_png_stream(image.target.get(), appendBytes, &bytes) == CAIRO_STATUS_SUCCESS;
     return made ? bytes : std::string();
-}
-
-FileResult replaceFile(const std::string& path, const std::string& bytes) {
-    const std::string temporary = path + ".part";
-    FileResult result = writeFile(temporary, bytes);
-    std::error_code failed;
-    if (result) {
-        std::filesystem::rename(temporary, path, failed);
-        if (failed) result = {failed.value(), failed.message()};
-    }
-    if (!result) std::filesystem::remove(temporary, failed);
-    return result;
 }
 
 cairo_status_t appendBytes(void* text, const unsigned char* bytes, unsigned int length) try {

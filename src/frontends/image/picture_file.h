@@ -13,9 +13,6 @@ std::string bitmapBytes(const Picture& image);
 /// The bytes of an image as a PNG file; empty when Cairo can't make them.
 std::string pngBytes(const Picture& image);
 
-/// Replaces a file by way of a second one beside it, so that no part of a file is ever found under that name.
-FileResult replaceFile(const std::string& path, const std::string& bytes);
-
 /// Takes the bytes that Cairo writes into the std::string behind `text`.
 cairo_status_t appendBytes(void* text, const unsigned char* bytes, unsigned int length);
 

@@ -1,0 +1,171 @@
+#include "frontends/script/script_driver.h"
+
+#include "platform/files.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace norvane {
+
+namespace {
+
+[[noreturn]] void endWithFault(const ScriptLine& line, const std::string& what) {
+    std::fprintf(stderr, "script:%d: %s\n", line.number, what.c_str());
+    std::fflush(nullptr);
+    std::_Exit(2);
+}
+
+void requireForm(const ScriptLine& line, const std::string& name, bool found) {
+    if (!found) endWithFault(line, "there is no form \"" + name + "\"");
+}
+
+void requireControl(const ScriptLine& line, const std::string& name, const char* act, bool found) {
+    if (!found) endWithFault(line, "there is no control \"" + name + "\" to " + act);
+}
+
+void putFile(const ScriptLine& line, std::string_view rest) {
+    const std::string path = takeWord(rest);
+    const FileResult written = writeFile(path, unescaped(rest));
+    if (!written) endWithFault(line, "can't write \"" + path + "\": " + written.reason);
+}
+
+std::string listedEntries(const std::vector<std::string>& entries) {
+    std::string text = " of";
+    for (const std::string& entry : entries) text += " \"" + escaped(entry) + "\"";
+    return text;
+}
+
+} // namespace
+
+void printLine(const std::string& line) {
+    std::fwrite(line.data(), 1, line.size(), stdout);
+    std::fputc('\n', stdout);
+    std::fflush(stdout);
+}
+
+std::string formLook(bool visible, const std::string& caption) {
+    return (visible ? "visible \"" : "hidden \"") + escaped(caption) + "\"";
+}
+
+std::string selectorLook(bool visible, int listIndex, const std::vector<std::string>& entries) {
+    return (visible ? "visible " : "hidden ") + std::to_string(listIndex) + listedEntries(entries);
+}
+
+std::string fileListLook(const std::string& selected, const std::vector<std::string>& names) {
+    return escaped(selected) + listedEntries(names);
+}
+
+ScriptDriver::ScriptDriver(Program& program, ScriptHands hands) : program_(program), hands_(std::move(hands)) {
+    program.ui.runBegan = [this] { yieldsOfRuns_.push_back(0); };
+    program.ui.stepBegan = [this] { yieldsOfRuns_.back() = 0; };
+    program.ui.runEnded = [this] { yieldsOfRuns_.pop_back(); };
+}
+
+void ScriptDriver::run(std::string_view bytes) {
+    for (const ScriptLine& line : scriptLines(bytes)) execute(line);
+}
+
+void ScriptDriver::resizeForm(const ScriptLine& line, std::string_view rest) {
+    const std::string name = takeWord(rest);
+    int width = 0;
+    int height = 0;
+    requireForm(line, name, hands_.look(name).has_value() && name.find('.') == std::string::npos);
+    if (!readWhole(takeWord(rest), width) || !readWhole(takeWord(rest), height) || width < 0 || height < 0)
+        endWithFault(line, "a size is two whole numbers of pixels, not negative");
+    hands_.resize(name, width, height);
+}
+
+void ScriptDriver::chooseEntry(const ScriptLine& line, std::string_view rest) {
+    const std::string name = takeWord(rest);
+    const std::optional<int> count = hands_.entryCount(name);
+    requireControl(line, name, "choose from", count.has_value());
+    int index = 0;
+    if (!readWhole(trimmed(rest), index) || index < 0 || index >= *count)
+        endWithFault(line, name + " has no entry \"" + std::string(trimmed(rest)) + "\"; it has "
+                               + std::to_string(*count) + ", counted from 0");
+    hands_.choose(name, index);
+}
+
+void ScriptDriver::print(const ScriptLine& line, const std::string& name) {
+    const std::optional<std::string> seen = hands_.look(name);
+    requireControl(line, name, "print", seen.has_value());
+    printLine(name + ": " + *seen);
+}
+
+void ScriptDriver::awaitYield(const ScriptLine& line, std::string_view rest) {
+    const std::string moment = takeWord(rest);
+    const std::size_t point = moment.find('.');
+    Awaited awaited;
+    if (point == std::string::npos || !readWhole(std::string_view(moment).substr(0, point), awaited.step)
+        || !readWhole(std::string_view(moment).substr(point + 1), awaited.yield))
+        endWithFault(line, "a moment is written STEP.K, such as 40.2");
+    if (trimmed(rest).empty()) endWithFault(line, "there is no command behind the moment");
+    awaited.command = {line.number, std::string(rest)};
+    awaited_.push_back(awaited);
+}
+
+void ScriptDriver::execute(const ScriptLine& line) {
+    std::string_view rest = line.text;
+    const std::string command = takeWord(rest);
+    if (command == "dir") {
+        hands_.changeDirectory(absolutePath(std::string(trimmed(rest))));
+    } else if (command == "file") {
+        hands_.selectFile(std::string(trimmed(rest)));
+    } else if (command == "click") {
+        const std::string name = takeWord(rest);
+        requireControl(line, name, "click", hands_.click(name));
+    } else if (command == "close") {
+        const std::string name = takeWord(rest);
+        requireForm(line, name, hands_.close(name));
+    } else if (command == "resize") {
+        resizeForm(line, rest);
+    } else if (command == "set") {
+        const std::string name = takeWord(rest);
+        requireControl(line, name, "set", hands_.set(name, unescaped(rest)));
+    } else if (command == "choose") {
+        chooseEntry(line, rest);
+    } else if (command == "answer") {
+        answers_.emplace_back(unescaped(rest));
+    } else if (command == "cancel") {
+        answers_.emplace_back(std::nullopt);
+    } else if (command == "put") {
+        putFile(line, rest);
+    } else if (command == "print") {
+        print(line, takeWord(rest));
+    } else if (command == "at") {
+        awaitYield(line, rest);
+    } else if (command == "end") {
+        std::_Exit(EXIT_SUCCESS);
+    } else {
+        endWithFault(line, "there is no command \"" + command + "\"");
+    }
+}
+
+bool ScriptDriver::countYield() {
+    if (yieldsOfRuns_.empty()) return false; // a yield of a load
+    const int yield = ++yieldsOfRuns_.back();
+    std::erase_if(awaited_, [&](const Awaited& awaited) {
+        const bool isDue = awaited.step == program_.sim.stepCount && awaited.yield == yield;
+        if (isDue) due_.push_back(awaited.command);
+        return isDue;
+    });
+    return !due_.empty();
+}
+
+void ScriptDriver::runDue() {
+    std::vector<ScriptLine> due;
+    due.swap(due_); // a command may yield itself
+    for (const ScriptLine& line : due) execute(line);
+}
+
+std::optional<std::string> ScriptDriver::takeAnswer(const std::string& prompt, const std::string& defaultText) {
+    std::optional<std::string> answer = defaultText;
+    if (!answers_.empty()) {
+        answer = answers_.front();
+        answers_.pop_front();
+    }
+    printLine("ask: " + escaped(prompt) + " [" + escaped(defaultText) + "] -> " + escaped(answer.value_or("")));
+    return answer;
+}
+
+} // namespace norvane

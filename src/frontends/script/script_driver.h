@@ -1,0 +1,78 @@
+#pragma once
+// Carries out a script on the windows of a program. The script is the same whatever the windows are made of: records
+// alone, or controls on a screen.
+
+#include "frontends/script/script_text.h"
+#include "shell/program.h"
+
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace norvane {
+
+/// A person's acts on the windows, and what a person sees there. Controls are named as in scripts, "NV_in.Command1".
+/// An act gives false, a question no value, where there is no such form or control.
+struct ScriptHands {
+    std::function<void(const std::string& path)> changeDirectory;
+    std::function<void(const std::string& name)> selectFile;
+    std::function<bool(const std::string& button)> click;
+    std::function<bool(const std::string& form)> close;
+    std::function<bool(const std::string& form, int width, int height)> resize;
+    std::function<bool(const std::string& control, const std::string& text)> set;
+    std::function<std::optional<int>(const std::string& selector)> entryCount;
+    std::function<void(const std::string& selector, int index)> choose;
+    /// What is printed behind the name of a form or a control.
+    std::function<std::optional<std::string>(const std::string& name)> look;
+};
+
+class ScriptDriver {
+public:
+    /// Counts the steps and yields of the program's runs from now on. Both must outlive the driver.
+    ScriptDriver(Program& program, ScriptHands hands);
+
+    /// Carries out a whole script. A fault of it is told on standard error, and ends the process.
+    void run(std::string_view bytes);
+
+    /// A yield of the program has begun. Gives whether commands were kept for it.
+    bool countYield();
+
+    /// Carries out the commands that were kept for the yields counted since the last call.
+    void runDue();
+
+    /// The answer that the script has for an input box; no value: Cancel. Prints question and answer.
+    std::optional<std::string> takeAnswer(const std::string& prompt, const std::string& defaultText);
+
+private:
+    /// A command that waits for a yield of a run.
+    struct Awaited {
+        int step = 0;
+        int yield = 0; ///< counted from 1 in each step
+        ScriptLine command;
+    };
+
+    void execute(const ScriptLine& line);
+    void resizeForm(const ScriptLine& line, std::string_view rest);
+    void chooseEntry(const ScriptLine& line, std::string_view rest);
+    void print(const ScriptLine& line, const std::string& name);
+    void awaitYield(const ScriptLine& line, std::string_view rest);
+
+    Program& program_;
+    ScriptHands hands_;
+    std::deque<std::optional<std::string>> answers_; ///< for input boxes; no value: Cancel
+    std::vector<Awaited> awaited_;
+    std::vector<ScriptLine> due_;
+    std::vector<int> yieldsOfRuns_; ///< yields in the step in hand, of each run that is under way
+};
+
+/// Prints a line on standard output, and flushes it.
+void printLine(const std::string& line);
+
+/// What `look` gives of a form, of a selector and of the list of files.
+std::string formLook(bool visible, const std::string& caption);
+std::string selectorLook(bool visible, int listIndex, const std::vector<std::string>& entries);
+std::string fileListLook(const std::string& selected, const std::vector<std::string>& names);
+
+} // namespace norvane
