@@ -11,38 +11,39 @@ void allocateArrays(SimState& sim) {
     const std::int64_t cells = sim.nCells;
     const std::int64_t dims = sim.nDim;
 
+    std::size_t shift = 0; // a place of its own in the caches for each array
     sim.cellStride.allocate(1, dims + 1);
-    sim.cellSize.allocate(cells, 1, dims);
-    sim.cellHeight.allocate(0, cells);
-    sim.cellPos.allocate(cells, 1, dims);
-    sim.cellVolume.allocate(0, cells);
-    sim.inverseSize.allocate(cells, 1, dims);
-    sim.faceArea.allocate(cells, 1, dims);
+    sim.cellSize.allocate(cells, 1, dims, shift += 7);
+    sim.cellHeight.allocate(0, cells, shift += 7);
+    sim.cellPos.allocate(cells, 1, dims, shift += 7);
+    sim.cellVolume.allocate(0, cells, shift += 7);
+    sim.inverseSize.allocate(cells, 1, dims, shift += 7);
+    sim.faceArea.allocate(cells, 1, dims, shift += 7);
 
-    sim.heatCapacity.allocate(0, cells);
-    sim.conductivity.allocate(0, cells);
-    sim.viscosity.allocate(0, cells);
-    sim.conductionCoef.allocate(cells, 1, dims);
-    sim.viscousCoef.allocate(cells, 1, dims);
-    sim.friction.allocate(0, cells);
+    sim.heatCapacity.allocate(0, cells, shift += 7);
+    sim.conductivity.allocate(0, cells, shift += 7);
+    sim.viscosity.allocate(0, cells, shift += 7);
+    sim.conductionCoef.allocate(cells, 1, dims, shift += 7);
+    sim.viscousCoef.allocate(cells, 1, dims, shift += 7);
+    sim.friction.allocate(0, cells, shift += 7);
     sim.gravity.allocate(0, dims);
 
-    sim.stageSpecies.allocate(cells, 0, sim.nsMax);
-    sim.stageEnergy.allocate(cells, 0, 0);
-    sim.stageMomentum.allocate(cells, 1, dims);
+    sim.stageSpecies.allocate(cells, 0, sim.nsMax, shift += 7);
+    sim.stageEnergy.allocate(cells, 0, 0, shift += 7);
+    sim.stageMomentum.allocate(cells, 1, dims, shift += 7);
 
-    sim.cellMass.allocate(0, cells);
-    sim.density.allocate(0, cells);
-    sim.concentration.allocate(cells, 0, sim.nsMax);
-    sim.temperature.allocate(0, cells);
-    sim.pressure.allocate(0, cells);
-    sim.velocity.allocate(cells, 1, dims);
-    sim.velocityInit.allocate(cells, 1, dims);
+    sim.cellMass.allocate(0, cells, shift += 7);
+    sim.density.allocate(0, cells, shift += 7);
+    sim.concentration.allocate(cells, 0, sim.nsMax, shift += 7);
+    sim.temperature.allocate(0, cells, shift += 7);
+    sim.pressure.allocate(0, cells, shift += 7);
+    sim.velocity.allocate(cells, 1, dims, shift += 7);
+    sim.velocityInit.allocate(cells, 1, dims, shift += 7);
 
-    sim.wallVelocity.allocate(cells, 0, dims);
-    sim.wallPressure.allocate(0, cells);
-    sim.wallTemperature.allocate(0, cells);
-    sim.wallConcentration.allocate(0, cells);
+    sim.wallVelocity.allocate(cells, 0, dims, shift += 7);
+    sim.wallPressure.allocate(0, cells, shift += 7);
+    sim.wallTemperature.allocate(0, cells, shift += 7);
+    sim.wallConcentration.allocate(0, cells, shift += 7);
 
     sim.sliceSel.allocate(1, dims);
     sim.zoom.allocate(1, dims);

@@ -1,0 +1,262 @@
+// The windows show the records and nothing else, and can be read and reached.
+
+#include "desktop/widget_hands.h"
+#include "frontends/desktop/desktop.h"
+#include "support/test_program.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+namespace norvane {
+namespace {
+
+using testing::HasSubstr;
+
+/// A program with its windows on the screen. The message boxes are left out.
+struct Screen {
+    TestProgram test;
+    Desktop desktop{test.program};
+
+    Screen() {
+        test.ui.NV_dsp.Combo1.entries.clear(); // the program is started once more, with its windows
+        desktop.start({test.folder.string(), "norvane", {}});
+        test.ui.showMessage = [this](const std::string& text) { test.messages.push_back(text); };
+    }
+
+    void runExample(const std::string& name, int steps) {
+        test.loadExample(name);
+        test.program.operations.buildModel(test.sim, test.ui);
+        test.sim.stopStep = steps;
+        const auto build = test.program.operations.buildModel;
+        test.program.operations.buildModel = [](SimState&, Interface&) {};
+        test.click("NV_in.Command2");
+        test.program.operations.buildModel = build;
+    }
+
+    QWidget* picture() const { return findWidget<QWidget>("NV_out.Picture1"); }
+};
+
+std::vector<QWidget*> namedControls() {
+    std::vector<QWidget*> controls;
+    for (const char* form : {"NV_in", "NV_out", "NV_dsp", "NV_einde"})
+        for (QWidget* control : findWindow(form)->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
+            controls.push_back(control);
+    return controls;
+}
+
+TEST(windows, showThePixelsOfTheSavedPicture) {
+    Screen screen;
+    screen.runExample("channel", 3);
+    ASSERT_TRUE(findWindow("NV_out")->isVisible());
+    screen.test.ui.NV_out.Picture1.savePicture("picture.bmp");
+    const QImage saved = QImage("picture.bmp").convertToFormat(QImage::Format_RGB32);
+    EXPECT_EQ(saved.size(), QSize(568, 690));
+    const QImage seen = findWindow("NV_out")->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    EXPECT_TRUE(seen == saved);
+
+    QTest::keyClick(findWindow("NV_out"), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_TRUE(QGuiApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32) == saved);
+}
+
+TEST(windows, findTheCellThatIsPaintedUnderThePointer) {
+    Screen screen;
+    std::vector<QRectF> boxes;
+    Surface& surface = screen.test.ui.NV_out.Picture1;
+    surface.box = [&, box = surface.box](float x1, float y1, float x2, float y2) {
+        boxes.emplace_back(QPointF(double(x1), double(y1)), QPointF(double(x2), double(y2)));
+        box(x1, y1, x2, y2);
+    };
+    screen.runExample("duct_obstacle", 2);
+    SimState& sim = screen.test.sim;
+    for (const int columns : {1, 3}) {
+        sim.axisPair[0] = static_cast<std::int16_t>(columns);
+        sim.zoom[columns] = 1.5f;
+        const int slice = columns == 1 ? 3 : 1;
+        sim.sliceSel[slice] = 2;
+        screen.test.ui.NV_out.form.height = 400;
+        boxes.clear();
+        screen.test.program.operations.plotField(sim, screen.test.ui);
+        constexpr std::size_t legendRows = 11;
+        // The last column does not fit into a map that its width limits, and is left out.
+        ASSERT_GT(boxes.size(), legendRows);
+        CellProbe probe;
+        probe.remember(sim, screen.test.ui.NV_out);
+        std::size_t painted = legendRows;
+        for (int j = 0; j < sim.cellCount[2]; ++j) {
+            for (int i = 0; i < sim.cellCount[columns]; ++i) {
+                const std::int32_t cell =
+                    1 + i * sim.cellStride[columns] + j * sim.cellStride[2] + 2 * sim.cellStride[slice];
+                const QPointF centre = painted < boxes.size() ? boxes[painted].center() : QPointF();
+                if (probe.cellAt(sim, centre.x(), centre.y()) != cell) continue; // a cell that was left out
+                painted += 1;
+                EXPECT_THAT(probe.describe(sim, screen.test.ui.NV_dsp.Combo1, cell),
+                            HasSubstr("Cell " + std::to_string(cell) + " ("));
+            }
+        }
+        EXPECT_EQ(painted, boxes.size()); // each box was found to be its cell, in the order of painting
+        EXPECT_EQ(probe.cellAt(sim, 2, 2), 0);
+        probe.forget();
+        EXPECT_EQ(probe.cellAt(sim, boxes.back().center().x(), boxes.back().center().y()), 0);
+    }
+}
+
+TEST(windows, tellNumberPositionAndValueOfACell) {
+    Screen screen;
+    screen.test.build("TT 300:DD 0;0.5:SW 1\t\nL\t\nTT 310\t\n\tTT 320\nL\t");
+    SimState& sim = screen.test.sim;
+    sim.showWhat = 1;
+    CellProbe probe;
+    probe.remember(sim, screen.test.ui.NV_out);
+    EXPECT_EQ(probe.describe(sim, screen.test.ui.NV_dsp.Combo1, 4),
+              "Cell 4 (X 1, Y 1)\nfrom 0.5, 0.5 m\nTemperature 46.85 \u00b0C");
+}
+
+TEST(windows, canBeReadWithAnyFont) {
+    const QFont usual = QApplication::font();
+    for (const int points : {7, 9, 12, 18}) {
+        QFont font = usual;
+        font.setPointSize(points);
+        QApplication::setFont(font);
+        const Screen screen;
+        for (const QWidget* control : namedControls()) {
+            QSize text;
+            if (const auto* button = qobject_cast<const QPushButton*>(control))
+                text = button->fontMetrics().size(Qt::TextShowMnemonic, button->text()) + QSize(8, 4);
+            if (const auto* label = qobject_cast<const QLabel*>(control)) text = label->sizeHint();
+            EXPECT_GE(control->width(), text.width()) << control->objectName().toStdString() << " at " << points;
+            EXPECT_GE(control->height(), text.height()) << control->objectName().toStdString() << " at " << points;
+            EXPECT_TRUE(control->window()->rect().contains(control->geometry()));
+            for (const QWidget* other : namedControls())
+                EXPECT_FALSE(other != control && other->window() == control->window()
+                             && other->geometry().intersects(control->geometry()))
+                    << control->objectName().toStdString() << " and " << other->objectName().toStdString();
+        }
+    }
+    QApplication::setFont(usual);
+}
+
+TEST(windows, nameAndExplainEveryControl) {
+    const Screen screen;
+    for (const QWidget* control : namedControls()) {
+        EXPECT_FALSE(control->objectName().isEmpty());
+        EXPECT_FALSE(control->accessibleName().isEmpty()) << control->objectName().toStdString();
+        const bool isExplained =
+            qobject_cast<const QLabel*>(control) != nullptr || !control->accessibleDescription().isEmpty();
+        EXPECT_TRUE(isExplained) << control->objectName().toStdString();
+    }
+}
+
+TEST(windows, stayWhenTheyAreClosed) {
+    Screen screen;
+    for (const char* form : {"NV_dsp", "NV_in"}) {
+        findWindow(form)->show();
+        EXPECT_FALSE(findWindow(form)->close());
+        EXPECT_TRUE(findWindow(form)->isVisible());
+        EXPECT_EQ(findWindow("NV_einde")->isVisible(), std::string(form) == "NV_in");
+    }
+    EXPECT_EQ(screen.test.sim.stopFlag, 1);
+    QTest::keyClick(findWindow("NV_einde"), Qt::Key_Escape);
+    EXPECT_FALSE(findWindow("NV_einde")->isVisible());
+    screen.desktop.requestEndOfSession();
+    EXPECT_TRUE(findWindow("NV_einde")->isVisible());
+    EXPECT_TRUE(findWindow("NV_in")->isVisible());
+}
+
+TEST(windows, followTheFilesOfTheFolder) {
+    Screen screen;
+    const auto* files = findWidget<QListWidget>("NV_in.File1");
+    EXPECT_EQ(files->count(), 0);
+    screen.test.write("a.gmt", "L\n\nL");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return files->count() == 1; }));
+    std::filesystem::remove(screen.test.folder / "a.gmt");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return files->count() == 0; }));
+}
+
+TEST(windows, takeADroppedGeometry) {
+    Screen screen;
+    std::filesystem::create_directories(screen.test.folder / "sub");
+    screen.test.write("sub/a.gmt", "L\n\nL");
+    const auto drop = [&](const std::string& name) {
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(QString::fromStdString((screen.test.folder / name).string()))});
+        QDragEnterEvent enters({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        enters.setAccepted(false);
+        QCoreApplication::sendEvent(findWindow("NV_in"), &enters);
+        if (!enters.isAccepted()) return false;
+        QDropEvent drops({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(findWindow("NV_in"), &drops);
+        return true;
+    };
+    EXPECT_FALSE(drop("sub/a.txt"));
+    EXPECT_TRUE(drop("sub/a.gmt"));
+    EXPECT_EQ(screen.test.ui.NV_in.File1.selected, "a.gmt");
+    const auto* files = findWidget<QListWidget>("NV_in.File1");
+    ASSERT_EQ(files->selectedItems().size(), 1);
+    QTest::keyClick(findWidget<QWidget>("NV_in.File1"), Qt::Key_Return); // as the button does
+    EXPECT_EQ(screen.test.sim.nDim, 1);
+}
+
+TEST(windows, typedTextSelectsNothing) {
+    Screen screen;
+    auto* quantity = findWidget<QComboBox>("NV_dsp.Combo1");
+    typeInto(quantity->lineEdit(), "Pressure");
+    QTest::keyClick(quantity->lineEdit(), Qt::Key_Return);
+    EXPECT_EQ(screen.test.ui.NV_dsp.Combo1.listIndex, -1);
+    EXPECT_EQ(quantity->currentIndex(), -1);
+    EXPECT_EQ(quantity->currentText(), "Pressure");
+}
+
+TEST(windows, aMessageCanBeCopiedAndHoldsUpEverything) {
+    TestProgram test;
+    Desktop desktop(test.program);
+    QString seen;
+    bool copies = false;
+    bool blocks = false;
+    QTimer::singleShot(0, [&] {
+        const auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        seen = box->text();
+        copies = box->textInteractionFlags().testFlag(Qt::TextSelectableByMouse);
+        blocks = box->windowModality() == Qt::ApplicationModal;
+        box->button(QMessageBox::Ok)->click();
+    });
+    test.ui.showMessage("<b>m_log</b>\r\ncan't be written");
+    EXPECT_EQ(seen, "<b>m_log</b>\r\ncan't be written");
+    EXPECT_TRUE(copies);
+    EXPECT_TRUE(blocks);
+}
+
+TEST(windows, aRunGivesWayToWhatIsPending) {
+    Screen screen;
+    screen.test.load("DT 1E-6:NT -1:UT 0\nL\n\nL");
+    bool answered = false;
+    QTimer::singleShot(0, [&] {
+        QTest::mouseClick(findWidget<QPushButton>("NV_in.Command4"), Qt::LeftButton);
+        answered = true;
+    });
+    screen.test.click("NV_in.Command2"); // has no end of its own
+    EXPECT_TRUE(answered);
+    EXPECT_TRUE(findWindow("NV_dsp")->isVisible());
+}
+
+} // namespace
+} // namespace norvane
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    QCoreApplication::setApplicationName("norvane-desktop-tests");
+    return RUN_ALL_TESTS();
+}
