@@ -24,9 +24,11 @@ struct Plane {
     SimState sim;
     Interface ui;
     std::filesystem::path folder = std::filesystem::temp_directory_path() / "norvane-plot-bench";
+    std::filesystem::path formerDirectory = std::filesystem::current_path();
 
     Plane() {
         std::filesystem::create_directories(folder);
+        std::filesystem::current_path(folder); // a build writes its stop file there
         writeTable();
         ui.showMessage = [](const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); };
         ui.NV_in.Dir1.path = folder.string();
@@ -43,6 +45,7 @@ struct Plane {
 
     ~Plane() {
         std::error_code ignored;
+        std::filesystem::current_path(formerDirectory, ignored);
         std::filesystem::remove_all(folder, ignored);
     }
 

@@ -61,7 +61,7 @@ struct ToldFaults {
     bool stopFile = false;
     bool plotFile = false;
     bool snapshot = false;
-    bool state = false; ///< told each time, since each save is an act of its own
+    bool state = false; ///< a save failed; its message comes each time, since each save is an act of its own
 };
 
 /// A sequence of random numbers that begins alike in every program, on every platform.

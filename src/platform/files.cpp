@@ -73,6 +73,22 @@ bool cutTo(std::FILE* file, std::size_t length) {
 #endif
 }
 
+/// Makes a file at least so long, so that a full disc shows before anything in it is lost; leaves it as it was where that
+/// can't be done. The position is at its beginning afterwards.
+bool makeRoom(std::FILE* file, std::size_t length) {
+    if (std::fseek(file, 0, SEEK_END) != 0) return false;
+    const long end = std::ftell(file);
+    if (end < 0) return false;
+    const auto oldLength = static_cast<std::size_t>(end);
+    if (oldLength < length && !(writeAll(file, std::string(length - oldLength, ' ')) && flushToDisc(file))) {
+        const int number = errno;
+        cutTo(file, oldLength);
+        errno = number;
+        return false;
+    }
+    return std::fseek(file, 0, SEEK_SET) == 0;
+}
+
 FileResult writeThrough(const std::string& path, const char* mode, std::string_view content) {
     File file = openFile(path, mode);
     if (!file) return failure(errno);
@@ -142,6 +158,7 @@ FileResult overwriteFile(const std::string& path, std::string_view content) {
     if (!file) return failure(errno);
     errno = 0;
     std::FILE* const to = file.get();
+    if (!makeRoom(to, content.size())) return failure(errno);
     const std::string_view rest = content.empty() ? content : content.substr(1);
     // Until all else is safe a mark stands in the first place, so that no reader takes a mixture of old and new for
     // whole.

@@ -75,14 +75,20 @@ bool takeComponent(const PlotOptions& options, SimState& sim) {
         sim.showDims = static_cast<std::int16_t>(*species - 1);
         return true;
     }
+    if (!hasDirections(sim.showWhat))
+        return fault("--component", options.component, "used: this quantity has no components");
     static constexpr const char* names[] = {"total", "x", "y", "z", "d4"};
-    for (int dim = 0; dim <= std::min<int>(sim.nDim, 4); ++dim)
+    std::string known;
+    for (int dim = 0; dim <= std::min<int>(sim.nDim, 4); ++dim) {
+        known += std::string(names[dim]) + ", ";
         if (lowered(options.component) == names[dim]) {
             sim.showDims = static_cast<std::int16_t>(dim);
             return true;
         }
+    }
     const std::optional<int> dim = wholeIn(options.component, 1, sim.nDim);
-    if (!dim) return fault("--component", options.component, "total, x, y, z or a dimension, " + range(1, sim.nDim));
+    if (!dim)
+        return fault("--component", options.component, "one of " + known + "or a dimension, " + range(1, sim.nDim));
     sim.showDims = static_cast<std::int16_t>(*dim);
     return true;
 }
@@ -121,21 +127,47 @@ bool takeSlices(const PlotOptions& options, SimState& sim) {
     return true;
 }
 
-bool takeScale(const PlotOptions& options, SimState& sim) {
-    if (options.scale.empty()) return true;
-    if (lowered(options.scale) == "auto") {
-        const PlaneRange plane = planeRange(sim);
-        if (!plane.found) return true;
-        sim.scaleMin = plane.low;
-        sim.scaleMax = plane.high > plane.low ? plane.high : plane.low + 1;
+/// The fastest arrow becomes as long as the smallest cell.
+void fitArrows(SimState& sim) {
+    double fastest = 0;
+    double smallest = 0;
+    for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
+        for (int dim = 1; dim <= sim.nDim; ++dim) {
+            const double speed = std::abs(double(sim.velocity(cell, dim)));
+            const double size = sim.cellSize(cell, dim);
+            if (std::isfinite(speed)) fastest = std::max(fastest, speed);
+            if (size > 0 && (smallest == 0 || size < smallest)) smallest = size;
+        }
+    }
+    constexpr float longest = 1000; // pixels: none is cut
+    sim.scaleMin = fastest > 0 && smallest > 0 ? static_cast<float>(fastest / smallest) : 1;
+    sim.scaleMax = longest;
+}
+
+bool fitScale(const PlotOptions& options, SimState& sim) {
+    if (sim.showWhat == showVectors) {
+        fitArrows(sim);
         return true;
     }
+    const PlaneRange plane = planeRange(sim);
+    if (!plane.found) return fault("--scale", options.scale, "possible: the plane has no finite value");
+    sim.scaleMin = plane.low;
+    sim.scaleMax = plane.high > plane.low ? plane.high : plane.low + std::max(1.0f, std::abs(plane.low) * 0.01f);
+    return true;
+}
+
+bool takeScale(const PlotOptions& options, SimState& sim) {
+    if (options.scale.empty()) return true;
+    if (lowered(options.scale) == "auto") return fitScale(options, sim);
     const std::vector<std::string> ends = parts(options.scale, ':');
     const std::optional<double> low = ends.size() == 2 ? numberIn(ends[0]) : std::nullopt;
     const std::optional<double> high = ends.size() == 2 ? numberIn(ends[1]) : std::nullopt;
-    if (!low || !high || *low == *high) return fault("--scale", options.scale, "LOW:HIGH, such as 290:400, or auto");
-    sim.scaleMin = static_cast<float>(*low);
-    sim.scaleMax = static_cast<float>(*high);
+    const auto bottom = static_cast<float>(low.value_or(0));
+    const auto top = static_cast<float>(high.value_or(0));
+    if (!low || !high || bottom == top || !std::isfinite(bottom) || !std::isfinite(top))
+        return fault("--scale", options.scale, "LOW:HIGH, such as 290:400, or auto");
+    sim.scaleMin = bottom;
+    sim.scaleMax = top;
     return true;
 }
 
@@ -190,6 +222,11 @@ int plotGeometry(const PlotOptions& options) {
     ExitStatus status = loadFor(console, options.geometry);
     if (status == exitDone) status = standModel(console, options.state);
     if (status != exitDone) return status;
+    if (!(program.sim.density[0] > 0)) {
+        std::fprintf(stderr, "%s: the density of the default cell (key RH) is not above 0, so there is nothing to draw\n",
+                     program.sim.fileName.c_str());
+        return exitNoModel;
+    }
     if (!takeOptions(options, program)) return exitBadUse;
 
     Surface& surface = program.ui.NV_out.Picture1;

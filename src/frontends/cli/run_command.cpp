@@ -11,6 +11,7 @@
 #include "frontends/image/image_surface.h"
 #include "platform/files.h"
 
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 
@@ -25,10 +26,21 @@ namespace norvane {
 namespace {
 
 volatile std::sig_atomic_t stopSignal = 0;
+std::chrono::steady_clock::time_point stopMoment; ///< of the first signal
 
+/// A second signal ends the process at once; but some programs send theirs twice in a moment, to a process and its group.
 void takeSignal(int number) {
-    stopSignal = number;
-    std::signal(number, SIG_DFL); // the next one ends the process at once
+    using namespace std::chrono_literals;
+    const auto now = std::chrono::steady_clock::now();
+    if (stopSignal == 0) {
+        stopMoment = now;
+        stopSignal = number;
+    } else if (now - stopMoment > 300ms) {
+        std::signal(number, SIG_DFL);
+        std::raise(number);
+        return;
+    }
+    std::signal(number, takeSignal); // where a handler serves only once
 }
 
 bool writesToTerminal() {
