@@ -390,24 +390,64 @@ void computeSlopeRow(SimState& sim, const StagePlan& plan, StageWorkspace& works
 
 // --- rows and threads ------------------------------------------------------------------------------------------------
 
+/// The sheets [begin .. end - 1] of one thread, and those of them whose slopes read no sheet of another thread.
+struct Share {
+    std::int64_t begin;
+    std::int64_t end;
+    std::int64_t firstFree;
+    std::int64_t endFree;
+};
+
+Share shareOf(const StagePlan& plan, int thread) {
+    const std::int64_t begin = plan.sheets * thread / plan.team->size();
+    const std::int64_t end = plan.sheets * (thread + 1) / plan.team->size();
+    const std::int64_t firstFree = begin == 0 ? 0 : std::min(begin + plan.reach, end);
+    const std::int64_t endFree = end == plan.sheets ? end : std::max(end - plan.reach, firstFree);
+    return {begin, end, firstFree, endFree};
+}
+
+/// Calls `work(row)` for some rows of a sheet, counted from 0 in it.
+template <class Work>
+void forRows(const StagePlan& plan, std::int64_t sheet, std::int64_t from, std::int64_t to, const Work& work) {
+    for (std::int64_t row = from; row < to; ++row) work(sheet * plan.sheetRows + row);
+}
+
+/// Prepares a strip of rows in all sheets of a share, and finishes behind it what can be: sheets `reach` back, and one
+/// row back within a sheet, since the next strip prepares the neighbours of the last row.
+template <class Prepare, class Finish>
+void sweepStrip(const StagePlan& plan,
+                const Share& share,
+                std::int64_t from,
+                std::int64_t to,
+                const Prepare& prepare,
+                const Finish& finish) {
+    const std::int64_t finishFrom = std::max<std::int64_t>(from - 1, 0);
+    const std::int64_t finishTo = to == plan.sheetRows ? to : to - 1;
+    std::int64_t next = share.firstFree;
+    for (std::int64_t sheet = share.begin; sheet < share.end; ++sheet) {
+        forRows(plan, sheet, from, to, prepare);
+        if (sheet - plan.reach >= next && next < share.endFree) forRows(plan, next++, finishFrom, finishTo, finish);
+    }
+    for (; next < share.endFree; ++next) forRows(plan, next, finishFrom, finishTo, finish);
+}
+
 /// Prepares all rows (their work state and primitives) and finishes all rows (their slopes), in one sweep as far as
-/// possible: a row is finished while its neighbours are still in the cache. `prepare` and `finish` take a row.
+/// possible: a row is finished while its neighbours are still in the cache. `prepare` and `finish` take a row. Strips
+/// are so narrow that what a strip holds in the sheets within reach fits into the cache.
 template <class Prepare, class Finish>
 void sweepRows(StagePlan& plan, const Prepare& prepare, const Finish& finish) {
     const auto work = [&](int thread) {
-        const std::int64_t begin = plan.rows * thread / plan.team->size();
-        const std::int64_t end = plan.rows * (thread + 1) / plan.team->size();
         StageWorkspace& workspace = plan.workspaces[static_cast<std::size_t>(thread)];
-        // Rows near the ends of the share read rows of other threads, and wait until those are prepared.
-        const std::int64_t firstFree = thread == 0 ? begin : std::min(begin + plan.reach, end);
-        std::int64_t next = firstFree;
-        for (std::int64_t row = begin; row < end; ++row) {
-            prepare(workspace, row);
-            if (row - plan.reach >= next) finish(workspace, next++);
-        }
+        const auto prepareRow = [&](std::int64_t row) { prepare(workspace, row); };
+        const auto finishRow = [&](std::int64_t row) { finish(workspace, row); };
+        const Share share = shareOf(plan, thread);
+        for (std::int64_t from = 0; from < plan.sheetRows; from += plan.stripRows)
+            sweepStrip(plan, share, from, std::min(from + plan.stripRows, plan.sheetRows), prepareRow, finishRow);
         plan.team->wait();
-        for (std::int64_t row = begin; row < firstFree; ++row) finish(workspace, row);
-        for (; next < end; ++next) finish(workspace, next);
+        for (std::int64_t sheet = share.begin; sheet < share.firstFree; ++sheet)
+            forRows(plan, sheet, 0, plan.sheetRows, finishRow);
+        for (std::int64_t sheet = share.endFree; sheet < share.end; ++sheet)
+            forRows(plan, sheet, 0, plan.sheetRows, finishRow);
     };
     plan.team->run(std::ref(work)); // by reference: a step allocates nothing
 }
@@ -420,12 +460,27 @@ int suitableThreads(std::int64_t cells) {
     return static_cast<int>(std::clamp<std::int64_t>(cells / cellsForAThread, 1, std::max<std::int64_t>(cores, 1)));
 }
 
+namespace {
+
+/// Sheets are the planes of dimensions 1 and 2 where there are more dimensions, else single rows.
+void layOutSheets(const SimState& sim, StagePlan& plan) {
+    constexpr std::int64_t cellsOfStrip = 2048; // some 35 fields of them in three sheets are 900 kB
+    const bool hasPlanes = sim.nDim > 2 && sim.nCells > 0;
+    plan.sheetRows = hasPlanes ? sim.cellCount[2] : 1;
+    plan.sheets = plan.rows / plan.sheetRows;
+    plan.reach = sim.nDim > 1 && sim.nCells > 0 ? sim.cellStride[sim.nDim] / plan.rowCells / plan.sheetRows : 0;
+    plan.stripRows =
+        std::clamp<std::int64_t>(cellsOfStrip / plan.rowCells, 4, std::max<std::int64_t>(plan.sheetRows, 4));
+}
+
+} // namespace
+
 StagePlan planStages(const SimState& sim, int threads, const RowKernels& kernels) {
     StagePlan plan;
     plan.kernels = &kernels;
     plan.rowCells = sim.nCells > 0 ? sim.cellCount[1] : 1;
     plan.rows = sim.nCells / plan.rowCells;
-    plan.reach = sim.nDim > 1 && sim.nCells > 0 ? sim.cellStride[sim.nDim] / plan.rowCells : 0;
+    layOutSheets(sim, plan);
     plan.rowTraits.resize(static_cast<std::size_t>(plan.rows));
     plan.dimensionTraits.resize(static_cast<std::size_t>(plan.rows * sim.nDim));
     plan.imposedOfRow.resize(static_cast<std::size_t>(plan.rows + 1));
@@ -434,7 +489,7 @@ StagePlan planStages(const SimState& sim, int threads, const RowKernels& kernels
     for (std::int64_t row = 0; row < plan.rows; ++row) planRow(sim, plan, row);
 
     const int wanted = threads > 0 ? threads : suitableThreads(sim.nCells);
-    const auto size = static_cast<int>(std::clamp<std::int64_t>(wanted, 1, std::max<std::int64_t>(plan.rows, 1)));
+    const auto size = static_cast<int>(std::clamp<std::int64_t>(wanted, 1, std::max<std::int64_t>(plan.sheets, 1)));
     plan.workspaces.resize(static_cast<std::size_t>(size));
     for (StageWorkspace& workspace : plan.workspaces) {
         const auto faces = static_cast<std::size_t>(std::int64_t{2} * sim.nDim * plan.rowCells);

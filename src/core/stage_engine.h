@@ -45,7 +45,10 @@ struct StagePlan {
     const RowKernels* kernels = nullptr;
     int rowCells = 0; ///< cells of a row
     std::int64_t rows = 0;
-    std::int64_t reach = 0;                       ///< rows from one to the farthest that its slopes read
+    std::int64_t sheetRows = 1; ///< rows of a sheet: a plane of dimensions 1 and 2 where there are more, else one row
+    std::int64_t sheets = 0;
+    std::int64_t reach = 0;                       ///< sheets from one to the farthest that its slopes read
+    std::int64_t stripRows = 1;                   ///< rows of a sheet that are worked on together
     std::vector<RowTraits> rowTraits;             ///< [rows]
     std::vector<DimensionTraits> dimensionTraits; ///< [rows * nDim]
     std::vector<std::int32_t>

@@ -73,8 +73,8 @@ bool cutTo(std::FILE* file, std::size_t length) {
 #endif
 }
 
-/// Makes a file at least so long, so that a full disc shows before anything in it is lost; leaves it as it was where that
-/// can't be done. The position is at its beginning afterwards.
+/// Makes a file at least so long, so that a full disc shows before anything in it is lost; leaves it as it was where
+/// that can't be done. The position is at its beginning afterwards.
 bool makeRoom(std::FILE* file, std::size_t length) {
     if (std::fseek(file, 0, SEEK_END) != 0) return false;
     const long end = std::ftell(file);

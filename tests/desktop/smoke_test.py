@@ -31,7 +31,7 @@ INSTALLED = [
     "bin/norvane-desktop_",
     "share/applications/norvane-desktop.desktop",
     "share/icons/hicolor/scalable/apps/norvane-desktop.svg",
-    "share/metainfo/norvane-desktop.metainfo.xml",
+    "share/metainfo/org.norvane.Desktop.metainfo.xml",
     "share/mime/packages/norvane-desktop.xml",
 ]
 

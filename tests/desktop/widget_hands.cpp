@@ -1,5 +1,7 @@
 #include "desktop/widget_hands.h"
 
+#include "frontends/desktop/control_views.h"
+
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
@@ -78,8 +80,11 @@ bool resizeWindow(const std::string& form, int width, int height) {
 }
 
 bool setControl(const std::string& name, const std::string& text) {
-    QWidget* edit = findWidget<QLineEdit>(name);
-    if (const auto* box = findWidget<QComboBox>(name)) edit = box->lineEdit();
+    if (auto* box = findWidget<QComboBox>(name)) {
+        dynamic_cast<SelectorView&>(*box).setOwnText(text); // a person could not: the box takes no typing
+        return true;
+    }
+    auto* edit = findWidget<QLineEdit>(name);
     if (edit != nullptr) typeInto(edit, QString::fromStdString(text));
     return edit != nullptr;
 }

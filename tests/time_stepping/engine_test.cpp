@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <random>
 
@@ -127,6 +128,7 @@ void compareRuns(const SimState& start, const RowKernels& kernels, int threads, 
     ui.showMessage = [&](const std::string& text) { engineMessages += text + "\n"; };
     plainUi.showMessage = [&](const std::string& text) { plainMessages += text + "\n"; };
     StagePlan plan = planStages(engine, threads, kernels);
+    plan.stripRows = std::min<std::int64_t>(plan.stripRows, threads); // small grids would be one strip
     for (int step = 1; step <= 4; ++step) {
         engine.stepCount = plainly.stepCount = step;
         for (int stage = 1; stage <= 4; ++stage) {

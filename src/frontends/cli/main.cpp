@@ -80,7 +80,8 @@ CLI::App* addPlot(CLI::App& app, PlotOptions& options) {
         ->required();
     plot->add_flag("--state", options.state, "recall the saved state first");
     plot->add_option("--quantity", options.quantity, "what to show, by its name in the list of the panel");
-    plot->add_option("--component", options.component, "total, x, y, z or the number of a dimension; of a species, from 1 as the panel lists them");
+    plot->add_option("--component", options.component,
+                     "total, x, y, z or the number of a dimension; of a species, from 1 as the panel lists them");
     plot->add_option("--slice", options.slices, "DIMENSION=SLICE, for each dimension that is not drawn; from 0")
         ->type_name("D=N");
     plot->add_option("--columns", options.columns, "the dimension that is drawn across")->type_name("D");

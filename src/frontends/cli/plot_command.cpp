@@ -223,7 +223,8 @@ int plotGeometry(const PlotOptions& options) {
     if (status == exitDone) status = standModel(console, options.state);
     if (status != exitDone) return status;
     if (!(program.sim.density[0] > 0)) {
-        std::fprintf(stderr, "%s: the density of the default cell (key RH) is not above 0, so there is nothing to draw\n",
+        std::fprintf(stderr,
+                     "%s: the density of the default cell (key RH) is not above 0, so there is nothing to draw\n",
                      program.sim.fileName.c_str());
         return exitNoModel;
     }

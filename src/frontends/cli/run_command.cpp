@@ -28,7 +28,8 @@ namespace {
 volatile std::sig_atomic_t stopSignal = 0;
 std::chrono::steady_clock::time_point stopMoment; ///< of the first signal
 
-/// A second signal ends the process at once; but some programs send theirs twice in a moment, to a process and its group.
+/// A second signal ends the process at once; but some programs send theirs twice in a moment, to a process and its
+/// group.
 void takeSignal(int number) {
     using namespace std::chrono_literals;
     const auto now = std::chrono::steady_clock::now();

@@ -3,9 +3,11 @@
 #include "platform/files.h"
 #include "shell/command_window.h"
 
+#include <QApplication>
 #include <QDropEvent>
 #include <QMimeData>
 #include <QUrl>
+#include <chrono>
 
 namespace norvane {
 
@@ -22,12 +24,14 @@ std::string draggedGeometry(const QMimeData& data) {
 } // namespace
 
 CommandForm::CommandForm(Program& program, Act act)
-    : FormWindow(program, program.ui.NV_in.form, std::move(act), 2640, 5370), status_(new QPlainTextEdit(this)) {
+    : FormWindow(program, program.ui.NV_in.form, std::move(act), 2640, 5370) {
+    // The order in which they are made is the order of the Tab key.
     QPushButton* import = addButton("Command1", {0, 0, 1695, 495});
     addButton("Command2", {0, 480, 855, 495});
     addButton("Command5", {840, 480, 855, 495});
     addButton("Command4", {0, 960, 855, 495});
     addButton("Command8", {840, 960, 855, 495});
+    status_ = new QPlainTextEdit(this);
     status_->setReadOnly(true);
     status_->setTabChangesFocus(true);
     status_->setLineWrapMode(QPlainTextEdit::WidgetWidth);
@@ -50,7 +54,13 @@ void CommandForm::addLists() {
     describe(geometries_, textOf("NV_in", "File1"));
     folders_->opened = [this](const std::string& path) { act_([&] { setDirectory(program_, path); }); };
     geometries_->selected = [this](const std::string& name) { program_.ui.NV_in.File1.selected = name; };
-    connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, [this] { refreshLists(); });
+    // A run may write its files many times a second, and an editor takes a file away before it puts the new one there.
+    changed_.setSingleShot(true);
+    changed_.setInterval(std::chrono::milliseconds(250));
+    connect(&changed_, &QTimer::timeout, this, [this] { refreshLists(); });
+    connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, [this] {
+        if (!changed_.isActive()) changed_.start();
+    });
 }
 
 void CommandForm::refreshLists() {
@@ -99,7 +109,9 @@ void CommandForm::resizeEvent(QResizeEvent* event) {
 }
 
 void CommandForm::dragEnterEvent(QDragEnterEvent* event) {
-    if (!draggedGeometry(*event->mimeData()).empty()) event->acceptProposedAction();
+    // Not every desktop keeps drops from the windows behind a message.
+    const bool isHeldUp = QApplication::activeModalWidget() != nullptr;
+    if (!isHeldUp && !draggedGeometry(*event->mimeData()).empty()) event->acceptProposedAction();
 }
 
 void CommandForm::dropEvent(QDropEvent* event) {

@@ -6,6 +6,7 @@
 
 #include <QFileSystemWatcher>
 #include <QPlainTextEdit>
+#include <QTimer>
 
 namespace norvane {
 
@@ -28,11 +29,12 @@ private:
     void addLists();
     void refreshLists();
 
-    QPlainTextEdit* status_;
+    QPlainTextEdit* status_ = nullptr;
     std::string shownStatus_;
     FolderList* folders_ = nullptr;
     GeometryList* geometries_ = nullptr;
     QFileSystemWatcher watcher_;
+    QTimer changed_; ///< runs while the folder is known to have changed
     double factor_ = 1;
 };
 

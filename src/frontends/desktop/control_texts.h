@@ -1,4 +1,5 @@
 #pragma once
+
 // What the windows say about their controls beside the captions: keys, names for screen readers, tool tips.
 
 namespace norvane {

@@ -1,5 +1,6 @@
 #include "frontends/desktop/control_views.h"
 
+#include <QEvent>
 #include <QSignalBlocker>
 #include <QStyleOptionComboBox>
 
@@ -21,22 +22,35 @@ QSize TextBoxView::neededSize() const {
 }
 
 SelectorView::SelectorView(Selector& selector, QWidget* parent) : QComboBox(parent), selector_(selector) {
-    setEditable(true);
+    setEditable(true); // only to show a text that is no entry; typing is for the list
+    lineEdit()->setReadOnly(true);
+    lineEdit()->installEventFilter(this);
     setInsertPolicy(NoInsert);
     setCompleter(nullptr);
     setMaxVisibleItems(15);
-    // The box would pick the entry of a text that is typed out in full.
+    // The box would pick the entry of a text that reads the same.
     lineEdit()->disconnect(SIGNAL(editingFinished()), this);
     lineEdit()->disconnect(SIGNAL(returnPressed()), this);
-    connect(lineEdit(), &QLineEdit::textEdited, this, [this](const QString& text) {
-        selector_.text = text.toStdString();
-        selector_.listIndex = -1;
-    });
     connect(this, &QComboBox::activated, this, [this](int index) {
         selector_.select(index);
         if (picked) picked(selector_);
     });
     refresh();
+}
+
+void SelectorView::setOwnText(const std::string& text) {
+    selector_.text = text;
+    selector_.listIndex = -1;
+    refresh();
+}
+
+bool SelectorView::eventFilter(QObject* watched, QEvent* event) {
+    // A click on the text opens the list, as it does on any selector that takes no typing.
+    if (watched == lineEdit() && event->type() == QEvent::MouseButtonPress) {
+        showPopup();
+        return true;
+    }
+    return QComboBox::eventFilter(watched, event);
 }
 
 void SelectorView::refresh() {

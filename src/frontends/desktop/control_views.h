@@ -5,7 +5,6 @@
 
 #include <QComboBox>
 #include <QLineEdit>
-
 #include <functional>
 
 namespace norvane {
@@ -24,7 +23,7 @@ private:
     TextBox& box_;
 };
 
-/// A selector. Typed text selects nothing, even where an entry reads the same.
+/// A selector. It takes no typing: a person picks from the list.
 class SelectorView : public QComboBox {
 public:
     SelectorView(Selector& selector, QWidget* parent);
@@ -34,8 +33,14 @@ public:
 
     void refresh();
 
+    /// Shows a text that is no entry, as a script may set it; the list then has no selection.
+    void setOwnText(const std::string& text);
+
     /// Pixels that the box takes to show a text.
     QSize neededSize(const QString& text) const;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     Selector& selector_;

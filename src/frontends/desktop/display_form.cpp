@@ -11,6 +11,10 @@ constexpr const char* dimensionNames[DisplayWindow::columns] = {"X", "Y", "Z", "
 
 int columnLeft(int column) { return 720 + 1200 * column; }
 
+QString elementOf(const char* name, int element) {
+    return element == noElement ? QString(name) : QStringLiteral("%1(%2)").arg(name).arg(element);
+}
+
 } // namespace
 
 DisplayForm::DisplayForm(Program& program, Act act)
@@ -66,10 +70,6 @@ QLabel* DisplayForm::addLabel(const char* name, const char* caption, const char*
     return label;
 }
 
-QString elementOf(const char* name, int element) {
-    return element == noElement ? QString(name) : QStringLiteral("%1(%2)").arg(name).arg(element);
-}
-
 TextBoxView* DisplayForm::addBox(const char* name, TextBox& box, int element, const TwipRect& place) {
     auto* view = new TextBoxView(box, this);
     add(view, elementOf(name, element), place, view->neededSize());
@@ -78,11 +78,8 @@ TextBoxView* DisplayForm::addBox(const char* name, TextBox& box, int element, co
     return view;
 }
 
-SelectorView* DisplayForm::addSelector(const char* name,
-                                       Selector& selector,
-                                       int element,
-                                       const TwipRect& place,
-                                       const char* longest) {
+SelectorView* DisplayForm::addSelector(
+    const char* name, Selector& selector, int element, const TwipRect& place, const char* longest) {
     auto* view = new SelectorView(selector, this);
     add(view, elementOf(name, element), place, view->neededSize(longest));
     describe(view, textOf("NV_dsp", name), element == noElement ? "" : dimensionNames[element]);

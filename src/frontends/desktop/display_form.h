@@ -20,8 +20,8 @@ private:
     void addScale();
     QLabel* addLabel(const char* name, const char* caption, const char* key, const TwipRect& place);
     TextBoxView* addBox(const char* name, TextBox& box, int element, const TwipRect& place);
-    SelectorView* addSelector(const char* name, Selector& selector, int element, const TwipRect& place,
-                              const char* longest);
+    SelectorView*
+    addSelector(const char* name, Selector& selector, int element, const TwipRect& place, const char* longest);
 
     std::vector<TextBoxView*> boxes_;
     std::vector<SelectorView*> selectors_;

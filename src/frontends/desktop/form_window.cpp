@@ -4,7 +4,6 @@
 
 #include <QCloseEvent>
 #include <QKeyEvent>
-
 #include <string_view>
 
 namespace norvane {
@@ -41,6 +40,7 @@ FormWindow::FormWindow(Program& program, Form& form, Act act, int widthTwips, in
     setObjectName(QString::fromStdString(form.name));
     setWindowTitle(QString::fromStdString(form.caption));
     setAccessibleName(windowTitle());
+    setAttribute(Qt::WA_AlwaysShowToolTips); // a person works with several windows, and one of them is active
 }
 
 void FormWindow::layOut(double factor) {

@@ -7,7 +7,6 @@
 
 #include <QPushButton>
 #include <QWidget>
-
 #include <functional>
 
 namespace norvane {
@@ -42,6 +41,7 @@ protected:
 
     /// The button that Enter clicks, and the one that Escape clicks.
     void setDefaultButton(QPushButton* button);
+
     void setEscapeButton(QPushButton* button) { escape_ = button; }
 
     QSize designSize() const { return designSize_; }

@@ -5,7 +5,6 @@
 #include <QKeyEvent>
 #include <QSignalBlocker>
 #include <QStyle>
-
 #include <algorithm>
 #include <filesystem>
 
@@ -21,7 +20,8 @@ constexpr const char* above = "..";
 std::vector<std::string> foldersIn(const std::string& path) {
     std::vector<std::string> names;
     std::error_code failed;
-    for (std::filesystem::directory_iterator entry(path, failed), end; !failed && entry != end; entry.increment(failed)) {
+    for (std::filesystem::directory_iterator entry(path, failed), end; !failed && entry != end;
+         entry.increment(failed)) {
         std::error_code unknown;
         const std::string name = entry->path().filename().string();
         if (name.front() != '.' && entry->is_directory(unknown)) names.push_back(name);
@@ -34,7 +34,8 @@ std::vector<std::string> foldersIn(const std::string& path) {
 
 PathList::PathList(QWidget* parent) : QListWidget(parent) {
     setUniformItemSizes(true);
-    setTextElideMode(Qt::ElideNone); // long names are scrolled to
+    setIconSize({fontMetrics().height(), fontMetrics().height()}); // the icons of a style come in several sizes
+    setTextElideMode(Qt::ElideNone);                               // long names are scrolled to
     connect(this, &QListWidget::itemDoubleClicked, this, [this] {
         if (entered) entered();
     });

@@ -2,7 +2,6 @@
 // The lists of folders and of geometries.
 
 #include <QListWidget>
-
 #include <functional>
 #include <string>
 #include <vector>

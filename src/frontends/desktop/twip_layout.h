@@ -3,7 +3,6 @@
 
 #include <QSize>
 #include <QWidget>
-
 #include <vector>
 
 namespace norvane {

@@ -38,6 +38,7 @@ void setColor(cairo_t* context, Color color) {
 }
 
 void paintBackground(Picture& picture) {
+    picture.texts.clear();
     setColor(picture.context.get(), Surface::background);
     cairo_paint(picture.context.get());
 }
@@ -202,6 +203,18 @@ std::string printable(std::string_view text) {
     return clean;
 }
 
+/// Whether a text has to be drawn. A plot repeats its texts over the old picture, and smoothed letters drawn over
+/// themselves would grow bolder each time.
+bool isNewText(Picture& picture, const Surface& surface, const std::string& text) {
+    constexpr std::size_t mostTexts = 100;
+    const DrawnText drawn{
+        text, surface.currentX, surface.currentY, surface.fontSize, surface.fontBold, surface.foreColor};
+    if (std::find(picture.texts.begin(), picture.texts.end(), drawn) != picture.texts.end()) return false;
+    if (picture.texts.size() >= mostTexts) picture.texts.clear();
+    picture.texts.push_back(drawn);
+    return true;
+}
+
 /// Cairo looks for the family among the fonts of the system, takes another where it is missing, and draws with strokes
 /// of its own where there are no fonts at all.
 void printText(Picture& picture, Surface& surface, const std::string& text) {
@@ -212,7 +225,8 @@ void printText(Picture& picture, Surface& surface, const std::string& text) {
     cairo_font_extents_t font;
     cairo_font_extents(context, &font);
     const std::string clean = printable(text);
-    if (std::isfinite(surface.currentX) && std::isfinite(surface.currentY) && !clean.empty()) {
+    const bool hasPlace = std::isfinite(surface.currentX) && std::isfinite(surface.currentY);
+    if (hasPlace && !clean.empty() && isNewText(picture, surface, clean)) {
         setColor(context, surface.foreColor);
         cairo_move_to(context, std::clamp<double>(surface.currentX, -farthest, farthest),
                       std::clamp<double>(surface.currentY, -farthest, farthest) + font.ascent);

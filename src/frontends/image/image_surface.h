@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace norvane {
 
@@ -29,12 +30,24 @@ struct DestroyCairo {
     void operator()(cairo_t* context) const { cairo_destroy(context); }
 };
 
+/// A text as it stands in a picture.
+struct DrawnText {
+    std::string text;
+    float x = 0;
+    float y = 0;
+    float size = 0;
+    bool bold = false;
+    Color color;
+    bool operator==(const DrawnText&) const = default;
+};
+
 /// What a surface record draws on.
 struct Picture {
     std::optional<PictureFormat> page; ///< svg or pdf: a page of such a file; none: an image
     int width = 0;                     ///< pixels
     int height = 0;                    ///< pixels
     std::string pageBytes;             ///< of the file that the page becomes
+    std::vector<DrawnText> texts;      ///< since the picture was last cleared
     std::unique_ptr<cairo_surface_t, DestroyCairo> target;
     std::unique_ptr<cairo_t, DestroyCairo> context;
 };

@@ -1,0 +1,51 @@
+#pragma once
+// The windows of a program on the screen.
+
+#include "frontends/desktop/command_form.h"
+#include "frontends/desktop/display_form.h"
+#include "frontends/desktop/event_pump.h"
+#include "frontends/desktop/exit_form.h"
+#include "frontends/desktop/plot_form.h"
+
+namespace norvane {
+
+/// Holds no logic of the program: its windows copy a person's input into the records and call the handlers of the
+/// shell, and it shows the records as they then stand.
+class Desktop {
+public:
+    /// Makes the windows and fills in the operations of the program's interface. Needs a QApplication.
+    explicit Desktop(Program& program);
+    ~Desktop();
+    Desktop(const Desktop&) = delete;
+    Desktop& operator=(const Desktop&) = delete;
+
+    /// Shows the command window and starts the program; in batch mode it returns when that run has stopped.
+    void start(const ProgramStart& start);
+
+    /// Shows all records as they stand.
+    void refresh();
+
+    /// Carries out all pending events now.
+    void poll() { pump_.poll(); }
+
+    /// The session ends: the program asks as for a closed window, and the end of the session is held up.
+    void requestEndOfSession();
+
+    std::vector<FormWindow*> windows();
+
+private:
+    void connectInterface();
+    void act(const std::function<void()>& handler);
+    void showWindow(const Form& form, bool wasVisible);
+    FormWindow& windowOf(const Form& form);
+    [[noreturn]] void end();
+
+    Program& program_;
+    EventPump pump_;
+    CommandForm commands_;
+    PlotForm plot_;
+    DisplayForm panel_;
+    ExitForm question_;
+};
+
+} // namespace norvane
