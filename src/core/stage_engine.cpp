@@ -202,9 +202,10 @@ void deriveRow(SimState& sim, StagePlan& plan, StageWorkspace& workspace, std::i
         imposeHeldValues(sim, plan.imposedCells[k]);
 }
 
-/// Messages come in the order of the cells, whichever thread found them.
+/// Messages come in the order of the cells, whichever thread and strip found them.
 void tellFaultyCells(SimState& sim, const Interface& ui, StagePlan& plan) {
     for (StageWorkspace& workspace : plan.workspaces) {
+        std::sort(workspace.faultyCells.begin(), workspace.faultyCells.end());
         for (const std::int32_t cell : workspace.faultyCells) {
             ui.showMessage("Stopped because of negative density in point " + std::to_string(cell));
             sim.stopFlag = 1;
