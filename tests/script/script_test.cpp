@@ -93,6 +93,7 @@ TEST(script, tellsTheLineOfAFaultAndEndsThere) {
         EXPECT_THAT(outcome.out, testing::StartsWith("NV_in: visible \"Commands\"\nscript:3: ")) << line;
         EXPECT_THAT(outcome.out, HasSubstr(what)) << line;
     };
+    expectFault("dir", "no path behind dir");
     expectFault("jump", "no command \"jump\"");
     expectFault("click NV_in.Command3", "no control \"NV_in.Command3\"");
     expectFault("close NV_x", "no form \"NV_x\"");

@@ -95,19 +95,20 @@ void ScriptDriver::print(const ScriptLine& line, const std::string& name) {
 void ScriptDriver::awaitYield(const ScriptLine& line, std::string_view rest) {
     const std::string moment = takeWord(rest);
     const std::size_t point = moment.find('.');
-    Awaited awaited;
-    if (point == std::string::npos || !readWhole(std::string_view(moment).substr(0, point), awaited.step)
-        || !readWhole(std::string_view(moment).substr(point + 1), awaited.yield))
+    int step = 0;
+    int yield = 0;
+    if (point == std::string::npos || !readWhole(std::string_view(moment).substr(0, point), step)
+        || !readWhole(std::string_view(moment).substr(point + 1), yield))
         endWithFault(line, "a moment is written STEP.K, such as 40.2");
     if (trimmed(rest).empty()) endWithFault(line, "there is no command behind the moment");
-    awaited.command = {line.number, std::string(rest)};
-    awaited_.push_back(awaited);
+    awaited_[{step, yield}].push_back({line.number, std::string(rest)});
 }
 
 void ScriptDriver::execute(const ScriptLine& line) {
     std::string_view rest = line.text;
     const std::string command = takeWord(rest);
     if (command == "dir") {
+        if (trimmed(rest).empty()) endWithFault(line, "there is no path behind dir");
         hands_.changeDirectory(absolutePath(std::string(trimmed(rest))));
     } else if (command == "file") {
         hands_.selectFile(std::string(trimmed(rest)));
@@ -144,11 +145,11 @@ void ScriptDriver::execute(const ScriptLine& line) {
 bool ScriptDriver::countYield() {
     if (yieldsOfRuns_.empty()) return false; // a yield of a load
     const int yield = ++yieldsOfRuns_.back();
-    std::erase_if(awaited_, [&](const Awaited& awaited) {
-        const bool isDue = awaited.step == program_.sim.stepCount && awaited.yield == yield;
-        if (isDue) due_.push_back(awaited.command);
-        return isDue;
-    });
+    const auto awaited = awaited_.find({program_.sim.stepCount, yield});
+    if (awaited != awaited_.end()) {
+        due_.insert(due_.end(), awaited->second.begin(), awaited->second.end());
+        awaited_.erase(awaited);
+    }
     return !due_.empty();
 }
 

@@ -7,8 +7,10 @@
 
 #include <deque>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace norvane {
@@ -46,13 +48,6 @@ public:
     std::optional<std::string> takeAnswer(const std::string& prompt, const std::string& defaultText);
 
 private:
-    /// A command that waits for a yield of a run.
-    struct Awaited {
-        int step = 0;
-        int yield = 0; ///< counted from 1 in each step
-        ScriptLine command;
-    };
-
     void execute(const ScriptLine& line);
     void resizeForm(const ScriptLine& line, std::string_view rest);
     void chooseEntry(const ScriptLine& line, std::string_view rest);
@@ -62,7 +57,8 @@ private:
     Program& program_;
     ScriptHands hands_;
     std::deque<std::optional<std::string>> answers_; ///< for input boxes; no value: Cancel
-    std::vector<Awaited> awaited_;
+    std::map<std::pair<int, int>, std::vector<ScriptLine>>
+        awaited_; ///< by step and yield of a run, from 1 in each step
     std::vector<ScriptLine> due_;
     std::vector<int> yieldsOfRuns_; ///< yields in the step in hand, of each run that is under way
 };
