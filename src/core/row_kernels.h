@@ -21,6 +21,12 @@ struct FaceRows {
     const std::int32_t* openUpper = nullptr; ///< the same; null together with openLower
 };
 
+/// A coefficient of the cells of a row.
+struct CoefficientRow {
+    const float* here = nullptr;
+    std::int64_t stride = 0; ///< to the same row of the upper neighbours; 0 where the coefficient is one for all rows
+};
+
 /// All rows begin at the cell that a pointer leads to, and have `count` cells. A `code` row keeps what it says from
 /// being written where its codes are not as told.
 struct RowKernels {
@@ -80,14 +86,17 @@ struct RowKernels {
     /// Adds what both faces carry of a value for each mass, in the order lower, upper.
     void (*carry)(const FaceRows& faces, float* slope, const float* value);
     /// The same for heat, with the conduction through each face behind what it carries.
-    void (*carryHeat)(
-        const FaceRows& faces, float* slope, const float* capacity, const float* temperature, const float* conduction);
+    void (*carryHeat)(const FaceRows& faces,
+                      float* slope,
+                      const CoefficientRow& capacity,
+                      const float* temperature,
+                      const CoefficientRow& conduction);
     /// The same for a component of momentum, with the viscous exchange. `pressure` is null for the components across
     /// the dimension of the faces; else its force on the upper face stands between flow and exchange.
     void (*carryMomentum)(const FaceRows& faces,
                           float* slope,
                           const float* velocity,
-                          const float* viscous,
+                          const CoefficientRow& viscous,
                           const float* pressure,
                           const float* area);
 

@@ -5,6 +5,7 @@
 #include "core/source_terms.h"
 
 #include <algorithm>
+#include <bit>
 #include <functional>
 #include <string>
 #include <system_error>
@@ -68,6 +69,28 @@ void planRow(const SimState& sim, StagePlan& plan, std::int64_t row) {
     plan.sourcesOfRow[row + 1] = static_cast<std::int64_t>(plan.sourceCells.size());
 }
 
+/// Finds out whether a coefficient has the same bits in all cells.
+Coefficient planCoefficient(const SimState& sim, StagePlan& plan, const float* cells) {
+    if (sim.nCells == 0) return {cells, false};
+    const auto bits = [&](std::int64_t cell) { return std::bit_cast<std::uint32_t>(cells[cell]); };
+    for (std::int64_t cell = 2; cell <= sim.nCells; ++cell)
+        if (bits(cell) != bits(1)) return {cells, false};
+    plan.uniformRows.emplace_back(static_cast<std::size_t>(plan.rowCells), cells[1]);
+    return {plan.uniformRows.back().data(), true}; // the row's own storage stays where it is when the list grows
+}
+
+void planCoefficients(const SimState& sim, StagePlan& plan) {
+    plan.volume = planCoefficient(sim, plan, &sim.cellVolume[0]);
+    plan.capacity = planCoefficient(sim, plan, &sim.heatCapacity[0]);
+    plan.friction = planCoefficient(sim, plan, &sim.friction[0]);
+    for (int dim = 1; dim <= sim.nDim; ++dim) {
+        plan.inverseSize.push_back(planCoefficient(sim, plan, sim.inverseSize.component(dim)));
+        plan.area.push_back(planCoefficient(sim, plan, sim.faceArea.component(dim)));
+        plan.conduction.push_back(planCoefficient(sim, plan, sim.conductionCoef.component(dim)));
+        plan.viscous.push_back(planCoefficient(sim, plan, sim.viscousCoef.component(dim)));
+    }
+}
+
 // --- work state ------------------------------------------------------------------------------------------------------
 
 /// One component of a conserved quantity in a row, in all slots.
@@ -126,7 +149,7 @@ void deriveMassAndDensity(SimState& sim, const StagePlan& plan, std::int64_t fir
     plan.kernels->startSum(count, mass, work.component(0) + first);
     for (int species = 1; species <= sim.nsMax; ++species)
         plan.kernels->addToSum(count, mass, work.component(species) + first);
-    plan.kernels->divide(count, &sim.density[first], mass, &sim.cellVolume[first]);
+    plan.kernels->divide(count, &sim.density[first], mass, plan.volume.row(first));
 }
 
 void deriveConcentrations(SimState& sim, const StagePlan& plan, std::int64_t first, bool held) {
@@ -146,10 +169,10 @@ void deriveTemperature(SimState& sim, const StagePlan& plan, std::int64_t first,
     const float* const energy = sim.stageEnergy.slot(sim.stageWork).component(0) + first;
     if (held)
         plan.kernels->temperatureWhereNotNegative(plan.rowCells, &sim.temperature[first], energy,
-                                                  &sim.heatCapacity[first], &sim.cellMass[first],
+                                                  plan.capacity.row(first), &sim.cellMass[first],
                                                   &sim.wallTemperature[first]);
     else
-        plan.kernels->temperature(plan.rowCells, &sim.temperature[first], energy, &sim.heatCapacity[first],
+        plan.kernels->temperature(plan.rowCells, &sim.temperature[first], energy, plan.capacity.row(first),
                                   &sim.cellMass[first]);
 }
 
@@ -170,11 +193,11 @@ void derivePressure(SimState& sim, const StagePlan& plan, std::int64_t first, bo
     const double gasFactor = sim.gasFactor;
     if (held)
         plan.kernels->pressureWhereNotNegative(plan.rowCells, &sim.pressure[first], gasFactor, &sim.cellMass[first],
-                                               &sim.temperature[first], &sim.cellVolume[first],
+                                               &sim.temperature[first], plan.volume.row(first),
                                                &sim.wallPressure[first]);
     else
         plan.kernels->pressure(plan.rowCells, &sim.pressure[first], gasFactor, &sim.cellMass[first],
-                               &sim.temperature[first], &sim.cellVolume[first]);
+                               &sim.temperature[first], plan.volume.row(first));
 }
 
 /// Marks rows with thin gas, and keeps the cells whose density is a fault for the messages of the stage.
@@ -256,7 +279,7 @@ struct SlopeRow {
 /// The flow, and where need be the gates, of the upper faces of the row that begins at `cell`.
 void formFaces(const SlopeRow& r, int dim, int side, std::int64_t cell, int count, bool gated) {
     const SimState& sim = r.sim;
-    r.plan.kernels->massFlow(count, r.flows(dim, side), sim.inverseSize.component(dim) + cell,
+    r.plan.kernels->massFlow(count, r.flows(dim, side), r.plan.inverseSize[dim - 1].row(cell),
                              sim.stageMomentum.slot(workSlot).component(dim) + cell);
     if (!gated) return;
     r.plan.kernels->openFaces(count, sim.cellStride[dim], r.gates(dim, side), sim.wallVelocity.component(dim) + cell,
@@ -322,26 +345,29 @@ void addSpeciesTerms(const SlopeRow& r, const RowFaces& faces) {
 void addHeatTerms(const SlopeRow& r, const RowFaces& faces, int dim) {
     const SimState& sim = r.sim;
     float* const slope = r.slope(sim.stageEnergy, 0);
-    const float* const conduction = sim.conductionCoef.component(dim) + r.first;
     for (int k = 0; k < faces.count; ++k) {
         const auto& [part, offset] = faces.parts[k];
-        r.plan.kernels->carryHeat(part, slope + offset, &sim.heatCapacity[r.first + offset],
-                                  &sim.temperature[r.first + offset], conduction + offset);
+        CoefficientRow capacity = r.plan.capacity.rowWithNeighbours(r.first, part.stride);
+        CoefficientRow conduction = r.plan.conduction[dim - 1].rowWithNeighbours(r.first, part.stride);
+        capacity.here += offset;
+        conduction.here += offset;
+        r.plan.kernels->carryHeat(part, slope + offset, capacity, &sim.temperature[r.first + offset], conduction);
     }
 }
 
 /// All components are carried across the faces of every dimension, with no shift to their staggered places.
 void addMomentumTerms(const SlopeRow& r, const RowFaces& faces, int dim) {
     const SimState& sim = r.sim;
-    const float* const viscous = sim.viscousCoef.component(dim) + r.first;
     for (int e = 1; e <= sim.nDim; ++e) {
         float* const slope = r.slope(sim.stageMomentum, e);
         const float* const velocity = sim.velocity.component(e) + r.first;
         const float* const pressure = e == dim ? &sim.pressure[r.first] : nullptr;
-        const float* const area = sim.faceArea.component(dim) + r.first;
+        const float* const area = r.plan.area[dim - 1].row(r.first);
         for (int k = 0; k < faces.count; ++k) {
             const auto& [part, offset] = faces.parts[k];
-            r.plan.kernels->carryMomentum(part, slope + offset, velocity + offset, viscous + offset,
+            CoefficientRow viscous = r.plan.viscous[dim - 1].rowWithNeighbours(r.first, part.stride);
+            viscous.here += offset;
+            r.plan.kernels->carryMomentum(part, slope + offset, velocity + offset, viscous,
                                           pressure == nullptr ? nullptr : pressure + offset, area + offset);
         }
     }
@@ -353,7 +379,7 @@ void addDragAndGravity(const SlopeRow& r, int dim) {
     const bool closedEnd = dim == 1 && traits.closedEnd;
     float* const slope = r.slope(sim.stageMomentum, dim);
     const float* const velocity = sim.velocity.component(dim) + r.first;
-    const float* const friction = &sim.friction[r.first];
+    const float* const friction = r.plan.friction.row(r.first);
     const float* const mass = &sim.cellMass[r.first];
     const double gravity = sim.gravity[dim];
     if (traits.wholeCodes || r.plan.dimensionTraits[r.row * sim.nDim + dim - 1].closed) {
@@ -488,6 +514,7 @@ StagePlan planStages(const SimState& sim, int threads, const RowKernels& kernels
     plan.sourcesOfRow.resize(static_cast<std::size_t>(plan.rows + 1));
     plan.thinRow.resize(static_cast<std::size_t>(plan.rows));
     for (std::int64_t row = 0; row < plan.rows; ++row) planRow(sim, plan, row);
+    planCoefficients(sim, plan);
 
     const int wanted = threads > 0 ? threads : suitableThreads(sim.nCells);
     const auto size = static_cast<int>(std::clamp<std::int64_t>(wanted, 1, std::max<std::int64_t>(plan.sheets, 1)));

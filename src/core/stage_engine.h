@@ -33,6 +33,19 @@ struct DimensionTraits {
     bool closed = false; ///< some positive code
 };
 
+/// A coefficient of all cells. One that has the same value everywhere is read from a single row, which stays in the
+/// fastest cache, instead of from the cells.
+struct Coefficient {
+    const float* cells = nullptr; ///< cell 0; of a uniform one, what stands for the first cell of any row
+    bool uniform = false;
+
+    const float* row(std::int64_t first) const { return uniform ? cells : cells + first; }
+
+    CoefficientRow rowWithNeighbours(std::int64_t first, std::int64_t stride) const {
+        return {row(first), uniform ? 0 : stride};
+    }
+};
+
 /// Rows of one thread's own.
 struct StageWorkspace {
     std::vector<double> flows;             ///< of the lower and the upper faces of a row, dimension by dimension
@@ -56,8 +69,16 @@ struct StagePlan {
     std::vector<std::int64_t> imposedOfRow; ///< [rows + 1] where the cells of a row begin in imposedCells
     std::vector<std::int32_t> sourceCells;  ///< cells with a sink or an exchange of species, ascending
     std::vector<std::int64_t> sourcesOfRow; ///< [rows + 1] where the cells of a row begin in sourceCells
-    std::vector<std::uint8_t> thinRow;      ///< [rows] 1: not all cells are denser than rhoFloor in this stage
-    std::vector<StageWorkspace> workspaces; ///< one for each thread
+    Coefficient volume;
+    Coefficient capacity;
+    Coefficient friction;
+    std::vector<Coefficient> inverseSize; ///< [nDim], of dimension d at d - 1, as the following
+    std::vector<Coefficient> area;
+    std::vector<Coefficient> conduction;
+    std::vector<Coefficient> viscous;
+    std::vector<std::vector<float>> uniformRows; ///< the rows of uniform coefficients
+    std::vector<std::uint8_t> thinRow;           ///< [rows] 1: not all cells are denser than rhoFloor in this stage
+    std::vector<StageWorkspace> workspaces;      ///< one for each thread
     std::unique_ptr<ThreadTeam> team;
 };
 

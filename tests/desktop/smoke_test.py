@@ -148,8 +148,10 @@ def use_program(screen, program, models):
     screen.keep("Display", "display_panel")
     assert 0 < first_value(models / "channel_out") < 1000, "temperatures were to be plotted"
     screen.click("Display", NV_DSP, "Combo1")
+    time.sleep(0.5)  # until the list is open
     for _ in range(3):
         screen.key("Down")
+    screen.key("Return")
     screen.keep("Display", "display_panel_pressure")
     screen.click("Display", NV_DSP, "OK")
     screen.wait_until_gone("Display")

@@ -45,8 +45,9 @@ void SelectorView::setOwnText(const std::string& text) {
 }
 
 bool SelectorView::eventFilter(QObject* watched, QEvent* event) {
-    // A click on the text opens the list, as it does on any selector that takes no typing.
-    if (watched == lineEdit() && event->type() == QEvent::MouseButtonPress) {
+    // A click on the text opens the list, as it does on any selector that takes no typing. Not before the button is up:
+    // the list would take its release for a choice.
+    if (watched == lineEdit() && event->type() == QEvent::MouseButtonRelease) {
         showPopup();
         return true;
     }
