@@ -54,7 +54,14 @@ enum Kind { uniform, mixed, walls };
 /// Gives every cell coefficients of its own, or lays walls and held cells into every third row.
 void vary(SimState& sim, Kind kind) {
     for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
-        if (kind == mixed) sim.cellHeight[cell] = 1 + 0.001f * static_cast<float>(cell % 97);
+        const float factor = 1 + 0.001f * static_cast<float>(cell % 97);
+        if (kind == mixed) sim.heatCapacity[cell] *= factor;
+        for (int dim = 1; kind == mixed && dim <= sim.nDim; ++dim) {
+            sim.inverseSize(cell, dim) *= factor;
+            sim.faceArea(cell, dim) *= factor;
+            sim.conductionCoef(cell, dim) *= factor;
+            sim.viscousCoef(cell, dim) *= factor;
+        }
         const std::int32_t row = (cell - 1) / sim.cellCount[1];
         if (kind == walls && row % 3 == 0 && cell % 11 < 3) sim.wallVelocity(cell, 1) = 1;
         if (kind == walls && row % 3 == 0 && cell % 29 == 0) sim.wallTemperature[cell] = -1;

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace norvane {
@@ -153,6 +154,43 @@ TEST(commandLine, tellsHowARunEnded) {
     EXPECT_THAT(missing.out, HasSubstr("none.gmt can't be read"));
     EXPECT_EQ(runProgram("run --help").status, 0);
     EXPECT_THAT(runProgram("--version").out, testing::StartsWith("norvane "));
+}
+
+TEST(commandLine, goesOnFromASavedStateAndDrawsIt) {
+    TestProgram test;
+    test.write("m.gmt", table);
+    EXPECT_EQ(runProgram("run m.gmt --quiet --save").status, 0);
+    const std::string saved = test.read("m_state");
+    EXPECT_THAT(runProgram("run m.gmt --recall --save").out, HasSubstr("Step 12 after"));
+    EXPECT_NE(test.read("m_state"), saved);
+    const std::string log = test.read("m_log");
+    const std::string plotted = test.read("m_out");
+    EXPECT_EQ(runProgram("plot m.gmt --state --quantity velocity --component x --scale auto -o p.png").status, 0);
+    EXPECT_THAT(test.read("p.png"), testing::StartsWith("\x89PNG"));
+    EXPECT_EQ(runProgram("spectrum m.gmt --state --points 4").status, 0);
+    const std::string spectrum = test.read("NV_spectrum");
+    EXPECT_EQ(std::count(spectrum.begin(), spectrum.end(), '\n'), 5);
+    EXPECT_EQ(test.read("m_log"), log) << "commands that look leave the results alone";
+    EXPECT_EQ(test.read("m_out"), plotted);
+}
+
+TEST(commandLine, namesTheOptionAndWhatItMayBe) {
+    TestProgram test;
+    test.write("m.gmt", table);
+    const auto faultOf = [&](const std::string& option) {
+        const Outcome outcome = runProgram("plot m.gmt -o p.png " + option);
+        EXPECT_EQ(outcome.status, 2) << option;
+        return outcome.out;
+    };
+    EXPECT_THAT(faultOf("--quantity heat"), HasSubstr("--quantity: \"heat\" is not one of Temperature, Velocity"));
+    EXPECT_THAT(faultOf("--quantity velocity --component z"), HasSubstr("one of total, x, y, or a dimension, 1 to 2"));
+    EXPECT_THAT(faultOf("--slice 1=3"), HasSubstr("--slice"));
+    EXPECT_THAT(faultOf("--columns 2 --rows 2"), HasSubstr("another dimension than that of --columns"));
+    EXPECT_THAT(faultOf("--scale 5:5"), HasSubstr("LOW:HIGH"));
+    EXPECT_THAT(faultOf("--zoom 1,0"), HasSubstr("numbers above 0"));
+    EXPECT_THAT(faultOf("--size 5x5"), HasSubstr("WIDTHxHEIGHT"));
+    EXPECT_THAT(runProgram("plot m.gmt -o p.gif").out, HasSubstr(".png, .svg, .pdf or .bmp"));
+    EXPECT_FALSE(test.exists("p.png"));
 }
 
 TEST(commandLine, aSignalOrTheStopFileEndsARunInOrder) {
