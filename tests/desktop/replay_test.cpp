@@ -12,6 +12,7 @@
 #include <iterator>
 #include <map>
 #include <regex>
+#include <set>
 
 namespace norvane {
 namespace {
@@ -52,9 +53,11 @@ Outcome runIn(const fs::path& folder, const std::string& program, const fs::path
     const int status = ::pclose(pipe);
     outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     outcome.out = withoutMoments(outcome.out);
+    std::set<fs::path> files; // in order: of pictures of several seconds the last one counts, as of those of one second
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder))
-        if (entry.is_regular_file())
-            outcome.files[withoutMoments(entry.path().lexically_relative(folder).string())] = bytesOf(entry.path());
+        if (entry.is_regular_file()) files.insert(entry.path());
+    for (const fs::path& file : files)
+        outcome.files[withoutMoments(file.lexically_relative(folder).string())] = bytesOf(file);
     return outcome;
 }
 
