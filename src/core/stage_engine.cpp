@@ -271,9 +271,7 @@ struct SlopeRow {
         return workspace.openFaces.data() + std::int64_t{2 * (dim - 1) + side} * plan.rowCells;
     }
 
-    float* slope(const auto& slots, std::int64_t component) const {
-        return const_cast<float*>(slots.slot(stage).component(component)) + first;
-    }
+    float* slope(auto& slots, std::int64_t component) const { return slots.slot(stage).component(component) + first; }
 };
 
 /// The flow, and where need be the gates, of the upper faces of the row that begins at `cell`.
@@ -333,7 +331,7 @@ RowFaces facesAcross(const SlopeRow& r, int dim) {
 void addSpeciesTerms(const SlopeRow& r, const RowFaces& faces) {
     const SimState& sim = r.sim;
     for (int species = 0; species <= sim.nsMax; ++species) {
-        float* const slope = r.slope(sim.stageSpecies, species);
+        float* const slope = r.slope(r.sim.stageSpecies, species);
         const float* const value = sim.concentration.component(species) + r.first;
         for (int k = 0; k < faces.count; ++k) {
             const auto& [part, offset] = faces.parts[k];
@@ -344,7 +342,7 @@ void addSpeciesTerms(const SlopeRow& r, const RowFaces& faces) {
 
 void addHeatTerms(const SlopeRow& r, const RowFaces& faces, int dim) {
     const SimState& sim = r.sim;
-    float* const slope = r.slope(sim.stageEnergy, 0);
+    float* const slope = r.slope(r.sim.stageEnergy, 0);
     for (int k = 0; k < faces.count; ++k) {
         const auto& [part, offset] = faces.parts[k];
         CoefficientRow capacity = r.plan.capacity.rowWithNeighbours(r.first, part.stride);
@@ -359,7 +357,7 @@ void addHeatTerms(const SlopeRow& r, const RowFaces& faces, int dim) {
 void addMomentumTerms(const SlopeRow& r, const RowFaces& faces, int dim) {
     const SimState& sim = r.sim;
     for (int e = 1; e <= sim.nDim; ++e) {
-        float* const slope = r.slope(sim.stageMomentum, e);
+        float* const slope = r.slope(r.sim.stageMomentum, e);
         const float* const velocity = sim.velocity.component(e) + r.first;
         const float* const pressure = e == dim ? &sim.pressure[r.first] : nullptr;
         const float* const area = r.plan.area[dim - 1].row(r.first);
@@ -377,7 +375,7 @@ void addDragAndGravity(const SlopeRow& r, int dim) {
     const SimState& sim = r.sim;
     const RowTraits& traits = r.plan.rowTraits[r.row];
     const bool closedEnd = dim == 1 && traits.closedEnd;
-    float* const slope = r.slope(sim.stageMomentum, dim);
+    float* const slope = r.slope(r.sim.stageMomentum, dim);
     const float* const velocity = sim.velocity.component(dim) + r.first;
     const float* const friction = r.plan.friction.row(r.first);
     const float* const mass = &sim.cellMass[r.first];
@@ -396,9 +394,9 @@ void addDragAndGravity(const SlopeRow& r, int dim) {
 void computeSlopeRow(SimState& sim, const StagePlan& plan, StageWorkspace& workspace, int stage, std::int64_t row) {
     const SlopeRow r{sim, plan, workspace, stage, row, firstCell(plan, row)};
     for (int species = 0; species <= sim.nsMax; ++species)
-        std::fill_n(r.slope(sim.stageSpecies, species), plan.rowCells, 0.0f);
-    std::fill_n(r.slope(sim.stageEnergy, 0), plan.rowCells, 0.0f);
-    for (int dim = 1; dim <= sim.nDim; ++dim) std::fill_n(r.slope(sim.stageMomentum, dim), plan.rowCells, 0.0f);
+        std::fill_n(r.slope(r.sim.stageSpecies, species), plan.rowCells, 0.0f);
+    std::fill_n(r.slope(r.sim.stageEnergy, 0), plan.rowCells, 0.0f);
+    for (int dim = 1; dim <= sim.nDim; ++dim) std::fill_n(r.slope(r.sim.stageMomentum, dim), plan.rowCells, 0.0f);
 
     for (int dim = 1; dim <= sim.nDim; ++dim) {
         const RowFaces faces = dim == 1 ? facesInRow(r) : facesAcross(r, dim);
@@ -407,7 +405,7 @@ void computeSlopeRow(SimState& sim, const StagePlan& plan, StageWorkspace& works
         addMomentumTerms(r, faces, dim);
     }
     if (plan.rowTraits[row].closedEnergy)
-        plan.kernels->clearWherePositive(plan.rowCells, r.slope(sim.stageEnergy, 0), &sim.wallTemperature[r.first]);
+        plan.kernels->clearWherePositive(plan.rowCells, r.slope(r.sim.stageEnergy, 0), &sim.wallTemperature[r.first]);
     for (int dim = 1; dim <= sim.nDim; ++dim) addDragAndGravity(r, dim);
     for (std::int64_t k = plan.sourcesOfRow[row]; k < plan.sourcesOfRow[row + 1]; ++k) {
         addSink(sim, stage, plan.sourceCells[k]);
