@@ -2,6 +2,8 @@
 // Arrays that are addressed by the index ranges of the model (cells from 0, dimensions from 1, slots 0 to 5).
 // The memory order is ours: every component is one contiguous run of cells, so that a row of cells is a vector.
 
+#include "platform/memory.h"
+
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
@@ -9,21 +11,34 @@
 
 namespace norvane {
 
-/// Room for cell values that begins at a cache line with its element 1 (the first cell), shifted by a number of lines
-/// of its own: arrays that are read together would otherwise fall into the same few sets of a cache when their lengths
-/// are near a power of two, and drive each other out.
+/// Where arrays of the same length begin, in cache lines behind an aligned address. Arrays that are read together must
+/// not fall into the same few sets of a cache, or they drive each other out: so each begins a golden section further on
+/// in the lines that a way of the second cache holds, or a page for shorter arrays.
+struct ArrayPlace {
+    static constexpr std::size_t lineBytes = 64;
+
+    /// Lines among which arrays of so many bytes are spread.
+    static std::size_t lines(std::size_t bytes) { return bytes < 16 << 10 ? 1 : bytes < 1 << 20 ? 64 : 2048; }
+
+    /// Bytes from the aligned address to the array `place` [0..].
+    static std::size_t offset(std::size_t place, std::size_t bytes) { return place * 1265 % lines(bytes) * lineBytes; }
+
+    /// Bytes from an array to the next one behind it: the least that hold it and keep both in their places.
+    static std::size_t distance(std::size_t bytes) {
+        const std::size_t round = lines(bytes) * lineBytes;
+        const std::size_t step = offset(1, bytes);
+        return bytes <= step ? step : (bytes - step + round - 1) / round * round + step;
+    }
+};
+
+/// Room for cell values whose element 1 (the first cell) begins at a place of its own in a cache.
 template <class T>
 class CellRoom {
 public:
-    /// Replaces the content by zeros. `shift` is any number; neighbours in use should differ in it.
-    void allocate(std::size_t size, std::size_t shift) {
-        const std::size_t slack = lineBytes + pageBytes;
-        std::vector<T>(size == 0 ? 0 : size + slack / sizeof(T)).swap(storage_);
-        begin_ = 0;
-        if (size == 0) return;
-        const auto address = reinterpret_cast<std::uintptr_t>(storage_.data()) + sizeof(T);
-        const std::size_t toLine = (lineBytes - address % lineBytes) % lineBytes;
-        begin_ = (toLine + shift % (pageBytes / lineBytes) * lineBytes) / sizeof(T);
+    /// Replaces the content by zeros. `arrayBytes` is the length of one of the arrays in the room.
+    void allocate(std::size_t size, std::size_t arrayBytes, std::size_t place) {
+        begin_ = (ArrayPlace::offset(place, arrayBytes) + ArrayPlace::lineBytes) / sizeof(T) - 1;
+        std::vector<T, RoomAllocator<T>>(size == 0 ? 0 : begin_ + size).swap(storage_);
     }
 
     T* data() { return storage_.data() + begin_; }
@@ -31,10 +46,7 @@ public:
     const T* data() const { return storage_.data() + begin_; }
 
 private:
-    static constexpr std::size_t lineBytes = 64;
-    static constexpr std::size_t pageBytes = 4096;
-
-    std::vector<T> storage_;
+    std::vector<T, RoomAllocator<T>> storage_;
     std::size_t begin_ = 0;
 };
 
@@ -45,10 +57,10 @@ public:
     Array() = default;
 
     /// Replaces the content by zeros over the index range [first .. last]; an empty range is allowed.
-    void allocate(std::int64_t first, std::int64_t last, std::size_t shift = 0) {
+    void allocate(std::int64_t first, std::int64_t last, std::size_t place = 0) {
         first_ = first;
         size_ = last < first ? 0 : last - first + 1;
-        room_.allocate(static_cast<std::size_t>(size_), shift);
+        room_.allocate(static_cast<std::size_t>(size_), static_cast<std::size_t>(size_) * sizeof(T), place);
     }
 
     T& operator[](std::int64_t index) { return room_.data()[position(index)]; }
@@ -72,15 +84,20 @@ private:
 template <class T>
 class CellTable {
 public:
+    static constexpr int slots = 1;
+
     CellTable() = default;
 
-    void allocate(std::int64_t cells, std::int64_t first, std::int64_t last, std::size_t shift = 0) {
+    /// Component `first` takes `place`, the others the places behind it.
+    void allocate(std::int64_t cells, std::int64_t first, std::int64_t last, std::size_t place = 0) {
         cells_ = cells;
         first_ = first;
         last_ = last;
         const std::int64_t components = last < first ? 0 : last - first + 1;
-        stride_ = spread(cells + 1);
-        room_.allocate(static_cast<std::size_t>(components * stride_), shift);
+        const std::size_t bytes = static_cast<std::size_t>(cells + 1) * sizeof(T);
+        stride_ = static_cast<std::int64_t>(ArrayPlace::distance(bytes) / sizeof(T));
+        const std::int64_t size = components == 0 ? 0 : (components - 1) * stride_ + cells + 1;
+        room_.allocate(static_cast<std::size_t>(size), bytes, place);
     }
 
     T& operator()(std::int64_t cell, std::int64_t component) { return room_.data()[position(cell, component)]; }
@@ -94,6 +111,9 @@ public:
 
     const T* component(std::int64_t component) const { return &(*this)(0, component); }
 
+    /// Elements from a component to the next one.
+    std::int64_t componentStride() const { return stride_; }
+
     std::int64_t firstComponent() const { return first_; }
 
     std::int64_t lastComponent() const { return last_; }
@@ -101,14 +121,6 @@ public:
     bool hasCell(std::int64_t cell) const { return cell >= 0 && cell <= cells_; }
 
 private:
-    /// Whole cache lines, and for large grids five lines beyond whole pages.
-    static std::int64_t spread(std::int64_t cells) {
-        constexpr std::int64_t line = 64 / sizeof(T);
-        constexpr std::int64_t page = 4096 / sizeof(T);
-        if (cells < 4 * page) return (cells + line - 1) / line * line;
-        return (cells + page - 1) / page * page + 5 * line;
-    }
-
     std::int64_t position(std::int64_t cell, std::int64_t component) const {
         assert(hasCell(cell) && component >= first_ && component <= last_);
         return (component - first_) * stride_ + cell;
@@ -127,8 +139,10 @@ class StageTable {
 public:
     static constexpr int slots = 6;
 
-    void allocate(std::int64_t cells, std::int64_t first, std::int64_t last, std::size_t shift = 0) {
-        for (CellTable<T>& slot : slots_) slot.allocate(cells, first, last, shift += 3);
+    /// Takes the places from `place` on, one for each slot and component.
+    void allocate(std::int64_t cells, std::int64_t first, std::int64_t last, std::size_t place = 0) {
+        for (int k = 0; k < slots; ++k)
+            slots_[k].allocate(cells, first, last, place + static_cast<std::size_t>(k * (last - first + 1)));
     }
 
     CellTable<T>& slot(int index) {

@@ -8,23 +8,44 @@
 
 namespace norvane {
 
-/// The two faces of the cells of a row along one dimension. Pointers lead to the first cell of the row.
-struct FaceRows {
-    int count = 0;                     ///< cells
-    std::int64_t stride = 0;           ///< from a cell to its upper neighbour
-    bool hasLower = false;             ///< the lower neighbours exist
-    bool hasUpper = false;             ///< the upper neighbours exist
-    const double* flowLower = nullptr; ///< kg/s up through the lower face
-    const double* flowUpper = nullptr; ///< kg/s up through the upper face
-    const float* velocity = nullptr;   ///< along the dimension: [i] of the upper face, [i - stride] of the lower one
-    const std::int32_t* openLower = nullptr; ///< 0: nothing is carried through; null: all faces of the row are open
-    const std::int32_t* openUpper = nullptr; ///< the same; null together with openLower
+/// Rows of several components of the same cells, at equal distances.
+template <class Value>
+struct ComponentRows {
+    Value* first = nullptr;
+    std::int64_t stride = 0; ///< from a component to the next one
+    int count = 0;
+
+    Value* row(int component) const { return first + component * stride; }
 };
 
-/// A coefficient of the cells of a row.
-struct CoefficientRow {
-    const float* here = nullptr;
-    std::int64_t stride = 0; ///< to the same row of the upper neighbours; 0 where the coefficient is one for all rows
+/// The faces below and above the cells of a row along one dimension, with what they carry. Each pointer leads to the
+/// value of the first cell, or of its upper face; `...Lower`, `...Below` and `...Above` to the value of the first cell's
+/// lower face or of its neighbour.
+struct FaceRows {
+    int count = 0;          ///< cells
+    int firstWithLower = 0; ///< cells from here on have a lower face
+    int endWithUpper = 0;   ///< cells before this one have an upper face
+    int normal = 0;         ///< the component of momentum that crosses the faces, from 0
+    std::int64_t stride = 0; ///< from a cell to its upper neighbour
+    bool constant = false;   ///< all coefficients are the same along the row
+    const std::int64_t* openLower = nullptr; ///< all bits: the face carries, 0: it does not; null: all do
+    const std::int64_t* openUpper = nullptr; ///< the same; null together with openLower
+
+    const float *inverseSizeLower = nullptr, *inverseSize = nullptr;
+    const float *conductionLower = nullptr, *conduction = nullptr;
+    const float *viscousLower = nullptr, *viscous = nullptr;
+    const float *capacityBelow = nullptr, *capacity = nullptr, *capacityAbove = nullptr;
+    const float* area = nullptr;
+
+    const float* momentum = nullptr; ///< the normal component, of the work state
+    ComponentRows<const float> concentrations;
+    const float* temperature = nullptr;
+    const float* pressure = nullptr;
+    ComponentRows<const float> velocities;
+
+    ComponentRows<float> speciesSlopes;
+    float* energySlope = nullptr;
+    ComponentRows<float> momentumSlopes;
 };
 
 /// All rows begin at the cell that a pointer leads to, and have `count` cells. A `code` row keeps what it says from
@@ -72,33 +93,17 @@ struct RowKernels {
     /// Whether all values are above a floor; a NaN is not.
     bool (*allAbove)(int count, const float* value, float floor);
 
-    /// flow = inverseSize momentum
-    void (*massFlow)(int count, double* flow, const float* inverseSize, const float* momentum);
     /// open = whether the upper face of a cell carries: no positive code, and a donor denser than the floor.
     void (*openFaces)(int count,
                       std::int64_t stride,
-                      std::int32_t* open,
+                      std::int64_t* open,
                       const std::int16_t* code,
                       const float* velocity,
                       const float* density,
                       float floor);
-
-    /// Adds what both faces carry of a value for each mass, in the order lower, upper.
-    void (*carry)(const FaceRows& faces, float* slope, const float* value);
-    /// The same for heat, with the conduction through each face behind what it carries.
-    void (*carryHeat)(const FaceRows& faces,
-                      float* slope,
-                      const CoefficientRow& capacity,
-                      const float* temperature,
-                      const CoefficientRow& conduction);
-    /// The same for a component of momentum, with the viscous exchange. `pressure` is null for the components across
-    /// the dimension of the faces; else its force on the upper face stands between flow and exchange.
-    void (*carryMomentum)(const FaceRows& faces,
-                          float* slope,
-                          const float* velocity,
-                          const CoefficientRow& viscous,
-                          const float* pressure,
-                          const float* area);
+    /// Adds to the slopes what both faces bring, the lower one first: of each face what it carries, for the upper one
+    /// the force of the pressure, then conduction and viscous exchange.
+    void (*addFaces)(const FaceRows& faces);
 
     /// Subtracts velocity friction, then adds gravity mass.
     void (*dragAndGravity)(

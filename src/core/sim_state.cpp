@@ -7,47 +7,46 @@ namespace norvane {
 
 namespace {
 
+/// Allocates arrays, each with a place of its own in the caches.
+struct Allocator {
+    const SimState& sim;
+    std::size_t place = 0;
+
+    template <class T>
+    void cells(Array<T>& array) {
+        array.allocate(0, sim.nCells, place++);
+    }
+
+    /// A CellTable or a StageTable with the components [first .. last].
+    void components(auto& table, std::int64_t first, std::int64_t last) {
+        table.allocate(sim.nCells, first, last, place);
+        place += static_cast<std::size_t>(last - first + 1) * table.slots;
+    }
+};
+
 void allocateArrays(SimState& sim) {
-    const std::int64_t cells = sim.nCells;
     const std::int64_t dims = sim.nDim;
-
-    std::size_t shift = 0; // a place of its own in the caches for each array
     sim.cellStride.allocate(1, dims + 1);
-    sim.cellSize.allocate(cells, 1, dims, shift += 7);
-    sim.cellHeight.allocate(0, cells, shift += 7);
-    sim.cellPos.allocate(cells, 1, dims, shift += 7);
-    sim.cellVolume.allocate(0, cells, shift += 7);
-    sim.inverseSize.allocate(cells, 1, dims, shift += 7);
-    sim.faceArea.allocate(cells, 1, dims, shift += 7);
-
-    sim.heatCapacity.allocate(0, cells, shift += 7);
-    sim.conductivity.allocate(0, cells, shift += 7);
-    sim.viscosity.allocate(0, cells, shift += 7);
-    sim.conductionCoef.allocate(cells, 1, dims, shift += 7);
-    sim.viscousCoef.allocate(cells, 1, dims, shift += 7);
-    sim.friction.allocate(0, cells, shift += 7);
     sim.gravity.allocate(0, dims);
-
-    sim.stageSpecies.allocate(cells, 0, sim.nsMax, shift += 7);
-    sim.stageEnergy.allocate(cells, 0, 0, shift += 7);
-    sim.stageMomentum.allocate(cells, 1, dims, shift += 7);
-
-    sim.cellMass.allocate(0, cells, shift += 7);
-    sim.density.allocate(0, cells, shift += 7);
-    sim.concentration.allocate(cells, 0, sim.nsMax, shift += 7);
-    sim.temperature.allocate(0, cells, shift += 7);
-    sim.pressure.allocate(0, cells, shift += 7);
-    sim.velocity.allocate(cells, 1, dims, shift += 7);
-    sim.velocityInit.allocate(cells, 1, dims, shift += 7);
-
-    sim.wallVelocity.allocate(cells, 0, dims, shift += 7);
-    sim.wallPressure.allocate(0, cells, shift += 7);
-    sim.wallTemperature.allocate(0, cells, shift += 7);
-    sim.wallConcentration.allocate(0, cells, shift += 7);
-
     sim.sliceSel.allocate(1, dims);
     sim.zoom.allocate(1, dims);
     sim.offset.allocate(1, dims);
+
+    Allocator allocate{sim};
+    for (CellTable<float>* const table : {&sim.cellSize, &sim.cellPos, &sim.inverseSize, &sim.faceArea,
+                                          &sim.conductionCoef, &sim.viscousCoef, &sim.velocity, &sim.velocityInit})
+        allocate.components(*table, 1, dims);
+    for (Array<float>* const array :
+         {&sim.cellHeight, &sim.cellVolume, &sim.heatCapacity, &sim.conductivity, &sim.viscosity, &sim.friction,
+          &sim.cellMass, &sim.density, &sim.temperature, &sim.pressure})
+        allocate.cells(*array);
+    allocate.components(sim.concentration, 0, sim.nsMax);
+    allocate.components(sim.stageSpecies, 0, sim.nsMax);
+    allocate.components(sim.stageEnergy, 0, 0);
+    allocate.components(sim.stageMomentum, 1, dims);
+    allocate.components(sim.wallVelocity, 0, dims);
+    for (Array<std::int16_t>* const array : {&sim.wallPressure, &sim.wallTemperature, &sim.wallConcentration})
+        allocate.cells(*array);
 }
 
 } // namespace

@@ -88,6 +88,8 @@ void planCoefficients(const SimState& sim, StagePlan& plan) {
         plan.area.push_back(planCoefficient(sim, plan, sim.faceArea.component(dim)));
         plan.conduction.push_back(planCoefficient(sim, plan, sim.conductionCoef.component(dim)));
         plan.viscous.push_back(planCoefficient(sim, plan, sim.viscousCoef.component(dim)));
+        plan.constant.push_back(plan.capacity.uniform && plan.inverseSize.back().uniform && plan.area.back().uniform
+                                && plan.conduction.back().uniform && plan.viscous.back().uniform);
     }
 }
 
@@ -240,21 +242,6 @@ void tellFaultyCells(SimState& sim, const Interface& ui, StagePlan& plan) {
 
 // --- slopes ----------------------------------------------------------------------------------------------------------
 
-/// Some cells of a row from `offset` on, with the same faces: along dimension 1 the ends of a row lack one.
-struct FacePart {
-    FaceRows faces;
-    int offset;
-};
-
-struct RowFaces {
-    FacePart parts[3];
-    int count = 0;
-
-    void add(const FaceRows& faces, int offset) {
-        if (faces.count > 0) parts[count++] = {faces, offset};
-    }
-};
-
 struct SlopeRow {
     SimState& sim;
     const StagePlan& plan;
@@ -263,112 +250,96 @@ struct SlopeRow {
     std::int64_t row;
     std::int64_t first;
 
-    double* flows(int dim, int side) const {
-        return workspace.flows.data() + std::int64_t{2 * (dim - 1) + side} * plan.rowCells;
-    }
-
-    std::int32_t* gates(int dim, int side) const {
-        return workspace.openFaces.data() + std::int64_t{2 * (dim - 1) + side} * plan.rowCells;
-    }
+    std::int64_t* gates(int side) const { return workspace.openFaces.data() + side * plan.paddedCells; }
 
     float* slope(auto& slots, std::int64_t component) const { return slots.slot(stage).component(component) + first; }
 };
 
-/// The flow, and where need be the gates, of the upper faces of the row that begins at `cell`.
-void formFaces(const SlopeRow& r, int dim, int side, std::int64_t cell, int count, bool gated) {
+/// Whether some upper face of a row towards the row `rowStride` further is closed, or may have an empty donor.
+bool isGated(const SlopeRow& r, int dim, std::int64_t row, std::int64_t rowStride) {
+    return r.plan.dimensionTraits[row * r.sim.nDim + dim - 1].closed || r.plan.thinRow[row] != 0
+           || r.plan.thinRow[row + rowStride] != 0;
+}
+
+void openFaces(const SlopeRow& r, int dim, std::int64_t cell, int count, std::int64_t* open) {
     const SimState& sim = r.sim;
-    r.plan.kernels->massFlow(count, r.flows(dim, side), r.plan.inverseSize[dim - 1].row(cell),
-                             sim.stageMomentum.slot(workSlot).component(dim) + cell);
-    if (!gated) return;
-    r.plan.kernels->openFaces(count, sim.cellStride[dim], r.gates(dim, side), sim.wallVelocity.component(dim) + cell,
+    r.plan.kernels->openFaces(count, sim.cellStride[dim], open, sim.wallVelocity.component(dim) + cell,
                               sim.velocity.component(dim) + cell, &sim.density[cell], sim.rhoFloor);
 }
 
-/// The faces between the cells of the row itself.
-RowFaces facesInRow(const SlopeRow& r) {
-    const int count = r.plan.rowCells;
-    const bool gated = r.plan.dimensionTraits[r.row * r.sim.nDim].closed || r.plan.thinRow[r.row] != 0;
-    RowFaces faces;
-    if (count < 2) return faces;
-    formFaces(r, 1, 0, r.first, count - 1, gated);
-    const double* const flow = r.flows(1, 0);
-    const std::int32_t* const open = gated ? r.gates(1, 0) : nullptr;
-    const float* const velocity = r.sim.velocity.component(1) + r.first;
-    // The lower face of a cell is the upper one of the cell before it. Where a face is missing its pointers go unused.
-    faces.add({1, 1, false, true, flow, flow, velocity, open, open}, 0);
-    faces.add({count - 2, 1, true, true, flow, flow + 1, velocity + 1, open, gated ? open + 1 : nullptr}, 1);
-    faces.add({1, 1, true, false, flow + count - 2, flow, velocity + count - 1, gated ? open + count - 2 : nullptr,
-               gated ? open : nullptr},
-              count - 1);
-    return faces;
-}
-
-/// The faces towards the rows below and above along a dimension from 2 on.
-RowFaces facesAcross(const SlopeRow& r, int dim) {
-    const SimState& sim = r.sim;
+void setCoefficients(const SlopeRow& r, int dim, FaceRows& faces, std::int64_t below, std::int64_t above) {
     const StagePlan& plan = r.plan;
-    const std::int64_t stride = sim.cellStride[dim];
-    const std::int64_t rowStride = stride / plan.rowCells;
-    const double place = cellCoordinate(sim, static_cast<std::int32_t>(r.first), dim);
-    const bool hasLower = place > 0;
-    const bool hasUpper = place < sim.cellCount[dim] - 1;
-    const auto isGated = [&](std::int64_t lower) {
-        return plan.dimensionTraits[lower * sim.nDim + dim - 1].closed || plan.thinRow[lower] != 0
-               || plan.thinRow[lower + rowStride] != 0;
-    };
-    const bool gated = (hasLower && isGated(r.row - rowStride)) || (hasUpper && isGated(r.row));
-    if (hasLower) formFaces(r, dim, 0, r.first - stride, plan.rowCells, gated);
-    if (hasUpper) formFaces(r, dim, 1, r.first, plan.rowCells, gated);
-    RowFaces faces;
-    if (hasLower || hasUpper)
-        faces.add({plan.rowCells, stride, hasLower, hasUpper, r.flows(dim, 0), r.flows(dim, 1),
-                   sim.velocity.component(dim) + r.first, gated ? r.gates(dim, 0) : nullptr,
-                   gated ? r.gates(dim, 1) : nullptr},
-                  0);
-    return faces;
-}
-
-void addSpeciesTerms(const SlopeRow& r, const RowFaces& faces) {
-    const SimState& sim = r.sim;
-    for (int species = 0; species <= sim.nsMax; ++species) {
-        float* const slope = r.slope(r.sim.stageSpecies, species);
-        const float* const value = sim.concentration.component(species) + r.first;
-        for (int k = 0; k < faces.count; ++k) {
-            const auto& [part, offset] = faces.parts[k];
-            r.plan.kernels->carry(part, slope + offset, value + offset);
-        }
-    }
-}
-
-void addHeatTerms(const SlopeRow& r, const RowFaces& faces, int dim) {
-    const SimState& sim = r.sim;
-    float* const slope = r.slope(r.sim.stageEnergy, 0);
-    for (int k = 0; k < faces.count; ++k) {
-        const auto& [part, offset] = faces.parts[k];
-        CoefficientRow capacity = r.plan.capacity.rowWithNeighbours(r.first, part.stride);
-        CoefficientRow conduction = r.plan.conduction[dim - 1].rowWithNeighbours(r.first, part.stride);
-        capacity.here += offset;
-        conduction.here += offset;
-        r.plan.kernels->carryHeat(part, slope + offset, capacity, &sim.temperature[r.first + offset], conduction);
-    }
+    const auto lower = [&](const Coefficient& coefficient) { return coefficient.row(below); };
+    faces.inverseSize = plan.inverseSize[dim - 1].row(r.first);
+    faces.inverseSizeLower = lower(plan.inverseSize[dim - 1]);
+    faces.conduction = plan.conduction[dim - 1].row(r.first);
+    faces.conductionLower = lower(plan.conduction[dim - 1]);
+    faces.viscous = plan.viscous[dim - 1].row(r.first);
+    faces.viscousLower = lower(plan.viscous[dim - 1]);
+    faces.capacity = plan.capacity.row(r.first);
+    faces.capacityBelow = lower(plan.capacity);
+    faces.capacityAbove = plan.capacity.row(above);
+    faces.area = plan.area[dim - 1].row(r.first);
+    faces.constant = plan.constant[dim - 1];
 }
 
 /// All components are carried across the faces of every dimension, with no shift to their staggered places.
-void addMomentumTerms(const SlopeRow& r, const RowFaces& faces, int dim) {
-    const SimState& sim = r.sim;
-    for (int e = 1; e <= sim.nDim; ++e) {
-        float* const slope = r.slope(r.sim.stageMomentum, e);
-        const float* const velocity = sim.velocity.component(e) + r.first;
-        const float* const pressure = e == dim ? &sim.pressure[r.first] : nullptr;
-        const float* const area = r.plan.area[dim - 1].row(r.first);
-        for (int k = 0; k < faces.count; ++k) {
-            const auto& [part, offset] = faces.parts[k];
-            CoefficientRow viscous = r.plan.viscous[dim - 1].rowWithNeighbours(r.first, part.stride);
-            viscous.here += offset;
-            r.plan.kernels->carryMomentum(part, slope + offset, velocity + offset, viscous,
-                                          pressure == nullptr ? nullptr : pressure + offset, area + offset);
-        }
+void setCarried(const SlopeRow& r, int dim, FaceRows& faces) {
+    SimState& sim = r.sim;
+    const std::int64_t first = r.first;
+    auto& speciesSlopes = sim.stageSpecies.slot(r.stage);
+    auto& momentumSlopes = sim.stageMomentum.slot(r.stage);
+    faces.normal = dim - 1;
+    faces.momentum = sim.stageMomentum.slot(workSlot).component(dim) + first;
+    faces.temperature = &sim.temperature[first];
+    faces.pressure = &sim.pressure[first];
+    faces.concentrations = {sim.concentration.component(0) + first, sim.concentration.componentStride(), sim.nsMax + 1};
+    faces.velocities = {sim.velocity.component(1) + first, sim.velocity.componentStride(), sim.nDim};
+    faces.speciesSlopes = {speciesSlopes.component(0) + first, speciesSlopes.componentStride(), sim.nsMax + 1};
+    faces.energySlope = sim.stageEnergy.slot(r.stage).component(0) + first;
+    faces.momentumSlopes = {momentumSlopes.component(1) + first, momentumSlopes.componentStride(), sim.nDim};
+}
+
+/// The faces between the cells of the row itself.
+void addFacesInRow(const SlopeRow& r) {
+    FaceRows faces;
+    faces.count = r.plan.rowCells;
+    faces.stride = 1;
+    faces.firstWithLower = 1;
+    faces.endWithUpper = faces.count - 1;
+    if (isGated(r, 1, r.row, 0)) {
+        std::int64_t* const open = r.gates(0) + 1;
+        openFaces(r, 1, r.first, faces.count - 1, open);
+        faces.openLower = open - 1;
+        faces.openUpper = open;
     }
+    setCoefficients(r, 1, faces, r.first - 1, r.first + 1);
+    setCarried(r, 1, faces);
+    r.plan.kernels->addFaces(faces);
+}
+
+/// The faces towards the rows below and above along a dimension from 2 on.
+void addFacesAcross(const SlopeRow& r, int dim) {
+    const SimState& sim = r.sim;
+    const std::int64_t stride = sim.cellStride[dim];
+    const std::int64_t rowStride = stride / r.plan.rowCells;
+    const double place = cellCoordinate(sim, static_cast<std::int32_t>(r.first), dim);
+    const bool hasLower = place > 0;
+    const bool hasUpper = place < sim.cellCount[dim] - 1;
+    FaceRows faces;
+    faces.count = r.plan.rowCells;
+    faces.stride = stride;
+    faces.firstWithLower = hasLower ? 0 : faces.count;
+    faces.endWithUpper = hasUpper ? faces.count : 0;
+    if ((hasLower && isGated(r, dim, r.row - rowStride, rowStride)) || (hasUpper && isGated(r, dim, r.row, rowStride))) {
+        if (hasLower) openFaces(r, dim, r.first - stride, faces.count, r.gates(0));
+        if (hasUpper) openFaces(r, dim, r.first, faces.count, r.gates(1));
+        faces.openLower = r.gates(0);
+        faces.openUpper = r.gates(1);
+    }
+    setCoefficients(r, dim, faces, hasLower ? r.first - stride : r.first, hasUpper ? r.first + stride : r.first);
+    setCarried(r, dim, faces);
+    r.plan.kernels->addFaces(faces);
 }
 
 void addDragAndGravity(const SlopeRow& r, int dim) {
@@ -398,12 +369,8 @@ void computeSlopeRow(SimState& sim, const StagePlan& plan, StageWorkspace& works
     std::fill_n(r.slope(r.sim.stageEnergy, 0), plan.rowCells, 0.0f);
     for (int dim = 1; dim <= sim.nDim; ++dim) std::fill_n(r.slope(r.sim.stageMomentum, dim), plan.rowCells, 0.0f);
 
-    for (int dim = 1; dim <= sim.nDim; ++dim) {
-        const RowFaces faces = dim == 1 ? facesInRow(r) : facesAcross(r, dim);
-        addSpeciesTerms(r, faces);
-        addHeatTerms(r, faces, dim);
-        addMomentumTerms(r, faces, dim);
-    }
+    addFacesInRow(r);
+    for (int dim = 2; dim <= sim.nDim; ++dim) addFacesAcross(r, dim);
     if (plan.rowTraits[row].closedEnergy)
         plan.kernels->clearWherePositive(plan.rowCells, r.slope(r.sim.stageEnergy, 0), &sim.wallTemperature[r.first]);
     for (int dim = 1; dim <= sim.nDim; ++dim) addDragAndGravity(r, dim);
@@ -489,7 +456,7 @@ namespace {
 
 /// Sheets are the planes of dimensions 1 and 2 where there are more dimensions, else single rows.
 void layOutSheets(const SimState& sim, StagePlan& plan) {
-    constexpr std::int64_t cellsOfStrip = 2048; // some 35 fields of them in three sheets are 900 kB
+    const std::int64_t cellsOfStrip = getenv("STRIP") ? atoi(getenv("STRIP")) : 2048; // some 35 fields of them in three sheets are 900 kB
     const bool hasPlanes = sim.nDim > 2 && sim.nCells > 0;
     plan.sheetRows = hasPlanes ? sim.cellCount[2] : 1;
     plan.sheets = plan.rows / plan.sheetRows;
@@ -504,6 +471,7 @@ StagePlan planStages(const SimState& sim, int threads, const RowKernels& kernels
     StagePlan plan;
     plan.kernels = &kernels;
     plan.rowCells = sim.nCells > 0 ? sim.cellCount[1] : 1;
+    plan.paddedCells = plan.rowCells + 16; // what a vector may read beyond a row
     plan.rows = sim.nCells / plan.rowCells;
     layOutSheets(sim, plan);
     plan.rowTraits.resize(static_cast<std::size_t>(plan.rows));
@@ -518,9 +486,7 @@ StagePlan planStages(const SimState& sim, int threads, const RowKernels& kernels
     const auto size = static_cast<int>(std::clamp<std::int64_t>(wanted, 1, std::max<std::int64_t>(plan.sheets, 1)));
     plan.workspaces.resize(static_cast<std::size_t>(size));
     for (StageWorkspace& workspace : plan.workspaces) {
-        const auto faces = static_cast<std::size_t>(std::int64_t{2} * sim.nDim * plan.rowCells);
-        workspace.flows.resize(faces);
-        workspace.openFaces.resize(faces);
+        workspace.openFaces.resize(static_cast<std::size_t>(2 * plan.paddedCells));
     }
     try {
         plan.team = std::make_unique<ThreadTeam>(size);

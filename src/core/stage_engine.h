@@ -40,16 +40,11 @@ struct Coefficient {
     bool uniform = false;
 
     const float* row(std::int64_t first) const { return uniform ? cells : cells + first; }
-
-    CoefficientRow rowWithNeighbours(std::int64_t first, std::int64_t stride) const {
-        return {row(first), uniform ? 0 : stride};
-    }
 };
 
 /// Rows of one thread's own.
 struct StageWorkspace {
-    std::vector<double> flows;             ///< of the lower and the upper faces of a row, dimension by dimension
-    std::vector<std::int32_t> openFaces;   ///< the same for the gates
+    std::vector<std::int64_t> openFaces;   ///< whether the lower and the upper faces of a row carry
     std::vector<std::int32_t> faultyCells; ///< cells whose density is not at least 0, in this stage
 };
 
@@ -57,6 +52,7 @@ struct StageWorkspace {
 struct StagePlan {
     const RowKernels* kernels = nullptr;
     int rowCells = 0; ///< cells of a row
+    std::int64_t paddedCells = 0; ///< length of a row of a workspace
     std::int64_t rows = 0;
     std::int64_t sheetRows = 1; ///< rows of a sheet: a plane of dimensions 1 and 2 where there are more, else one row
     std::int64_t sheets = 0;
@@ -76,6 +72,7 @@ struct StagePlan {
     std::vector<Coefficient> area;
     std::vector<Coefficient> conduction;
     std::vector<Coefficient> viscous;
+    std::vector<bool> constant; ///< [nDim] all coefficients of the faces are uniform
     std::vector<std::vector<float>> uniformRows; ///< the rows of uniform coefficients
     std::vector<std::uint8_t> thinRow;           ///< [rows] 1: not all cells are denser than rhoFloor in this stage
     std::vector<StageWorkspace> workspaces;      ///< one for each thread
