@@ -27,6 +27,7 @@ struct FaceRows {
     int endWithUpper = 0;   ///< cells before this one have an upper face
     int normal = 0;         ///< the component of momentum that crosses the faces, from 0
     std::int64_t stride = 0; ///< from a cell to its upper neighbour
+    bool startsSums = false; ///< the slopes begin with these faces, from 0
     bool constant = false;   ///< all coefficients are the same along the row
     const std::int64_t* openLower = nullptr; ///< all bits: the face carries, 0: it does not; null: all do
     const std::int64_t* openUpper = nullptr; ///< the same; null together with openLower
@@ -46,6 +47,16 @@ struct FaceRows {
     ComponentRows<float> speciesSlopes;
     float* energySlope = nullptr;
     ComponentRows<float> momentumSlopes;
+};
+
+/// The components of momentum in a row, and what acts on them besides the faces.
+struct PullRows {
+    int count = 0; ///< cells
+    ComponentRows<float> slopes;
+    ComponentRows<const float> velocities;
+    const float* friction = nullptr;
+    const float* mass = nullptr;
+    const float* gravity = nullptr; ///< of each component
 };
 
 /// All rows begin at the cell that a pointer leads to, and have `count` cells. A `code` row keeps what it says from
@@ -106,9 +117,8 @@ struct RowKernels {
     void (*addFaces)(const FaceRows& faces);
 
     /// Subtracts velocity friction, then adds gravity mass.
-    void (*dragAndGravity)(
-        int count, float* slope, const float* velocity, const float* friction, double gravity, const float* mass);
-    /// The same where the code of the whole cell is 0, the drag only where the code is not positive. Before that the
+    void (*dragAndGravity)(const PullRows& rows);
+    /// The same for one component where the code of the whole cell is 0, the drag only where the code is not positive. Before that the
     /// slope becomes 0 where the code is positive.
     void (*dragAndGravityWhereFree)(int count,
                                     float* slope,

@@ -59,7 +59,9 @@ void planRow(const SimState& sim, StagePlan& plan, std::int64_t row) {
     plan.rowTraits[row] = traitsOf(sim, first, last);
     for (int dim = 1; dim <= sim.nDim; ++dim) {
         const bool withoutEnd = dim == 1 && plan.rowTraits[row].closedEnd;
-        plan.dimensionTraits[row * sim.nDim + dim - 1] = traitsAlong(sim, dim, first, withoutEnd ? last - 1 : last);
+        const DimensionTraits along = traitsAlong(sim, dim, first, withoutEnd ? last - 1 : last);
+        plan.dimensionTraits[row * sim.nDim + dim - 1] = along;
+        plan.rowTraits[row].closedVelocity |= along.closed;
     }
     for (std::int64_t cell = first; cell <= last; ++cell) {
         if (hasImposedValue(sim, cell)) plan.imposedCells.push_back(static_cast<std::int32_t>(cell));
@@ -305,6 +307,7 @@ void addFacesInRow(const SlopeRow& r) {
     FaceRows faces;
     faces.count = r.plan.rowCells;
     faces.stride = 1;
+    faces.startsSums = true;
     faces.firstWithLower = 1;
     faces.endWithUpper = faces.count - 1;
     if (isGated(r, 1, r.row, 0)) {
@@ -342,38 +345,42 @@ void addFacesAcross(const SlopeRow& r, int dim) {
     r.plan.kernels->addFaces(faces);
 }
 
-void addDragAndGravity(const SlopeRow& r, int dim) {
+void addDragAndGravityWhereFree(const SlopeRow& r, int dim) {
+    const SimState& sim = r.sim;
+    r.plan.kernels->dragAndGravityWhereFree(
+        r.plan.rowCells, r.slope(r.sim.stageMomentum, dim), sim.velocity.component(dim) + r.first,
+        r.plan.friction.row(r.first), sim.gravity[dim], &sim.cellMass[r.first],
+        sim.wallVelocity.component(dim) + r.first, sim.wallVelocity.component(0) + r.first);
+}
+
+void addDragAndGravity(const SlopeRow& r) {
     const SimState& sim = r.sim;
     const RowTraits& traits = r.plan.rowTraits[r.row];
-    const bool closedEnd = dim == 1 && traits.closedEnd;
-    float* const slope = r.slope(r.sim.stageMomentum, dim);
-    const float* const velocity = sim.velocity.component(dim) + r.first;
-    const float* const friction = r.plan.friction.row(r.first);
-    const float* const mass = &sim.cellMass[r.first];
-    const double gravity = sim.gravity[dim];
-    if (traits.wholeCodes || r.plan.dimensionTraits[r.row * sim.nDim + dim - 1].closed) {
-        r.plan.kernels->dragAndGravityWhereFree(r.plan.rowCells, slope, velocity, friction, gravity, mass,
-                                                sim.wallVelocity.component(dim) + r.first,
-                                                sim.wallVelocity.component(0) + r.first);
+    if (traits.wholeCodes || traits.closedVelocity) {
+        for (int dim = 1; dim <= sim.nDim; ++dim) addDragAndGravityWhereFree(r, dim);
         return;
     }
-    const int count = closedEnd ? r.plan.rowCells - 1 : r.plan.rowCells;
-    r.plan.kernels->dragAndGravity(count, slope, velocity, friction, gravity, mass);
-    if (closedEnd) slope[count] = static_cast<float>(0.0 + gravity * double(mass[count])); // no terms but gravity
+    auto& momentumSlopes = r.sim.stageMomentum.slot(r.stage);
+    const float* const mass = &sim.cellMass[r.first];
+    r.plan.kernels->dragAndGravity(
+        {r.plan.rowCells,
+         {momentumSlopes.component(1) + r.first, momentumSlopes.componentStride(), sim.nDim},
+         {sim.velocity.component(1) + r.first, sim.velocity.componentStride(), sim.nDim},
+         r.plan.friction.row(r.first),
+         mass,
+         &sim.gravity[1]});
+    const int last = r.plan.rowCells - 1;
+    if (traits.closedEnd) // no terms but gravity
+        r.slope(r.sim.stageMomentum, 1)[last] = static_cast<float>(0.0 + double(sim.gravity[1]) * double(mass[last]));
 }
 
 void computeSlopeRow(SimState& sim, const StagePlan& plan, StageWorkspace& workspace, int stage, std::int64_t row) {
     const SlopeRow r{sim, plan, workspace, stage, row, firstCell(plan, row)};
-    for (int species = 0; species <= sim.nsMax; ++species)
-        std::fill_n(r.slope(r.sim.stageSpecies, species), plan.rowCells, 0.0f);
-    std::fill_n(r.slope(r.sim.stageEnergy, 0), plan.rowCells, 0.0f);
-    for (int dim = 1; dim <= sim.nDim; ++dim) std::fill_n(r.slope(r.sim.stageMomentum, dim), plan.rowCells, 0.0f);
-
     addFacesInRow(r);
     for (int dim = 2; dim <= sim.nDim; ++dim) addFacesAcross(r, dim);
     if (plan.rowTraits[row].closedEnergy)
         plan.kernels->clearWherePositive(plan.rowCells, r.slope(r.sim.stageEnergy, 0), &sim.wallTemperature[r.first]);
-    for (int dim = 1; dim <= sim.nDim; ++dim) addDragAndGravity(r, dim);
+    addDragAndGravity(r);
     for (std::int64_t k = plan.sourcesOfRow[row]; k < plan.sourcesOfRow[row + 1]; ++k) {
         addSink(sim, stage, plan.sourceCells[k]);
         addSpeciesExchange(sim, stage, plan.sourceCells[k]);

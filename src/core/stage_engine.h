@@ -24,6 +24,7 @@ struct RowTraits {
     bool heldTemperature = false;   ///< some wallTemperature below 0
     bool heldConcentration = false; ///< some wallConcentration below 0
     bool wholeCodes = false;        ///< some wallVelocity of the whole cell other than 0
+    bool closedVelocity = false;    ///< some wallVelocity of a dimension above 0
     bool closedEnd = false;         ///< the last cell has a positive wallVelocity in dimension 1
 };
 
