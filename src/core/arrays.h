@@ -38,7 +38,9 @@ public:
     /// Replaces the content by zeros. `arrayBytes` is the length of one of the arrays in the room.
     void allocate(std::size_t size, std::size_t arrayBytes, std::size_t place) {
         begin_ = (ArrayPlace::offset(place, arrayBytes) + ArrayPlace::lineBytes) / sizeof(T) - 1;
-        std::vector<T, RoomAllocator<T>>(size == 0 ? 0 : begin_ + size).swap(storage_);
+        // A vector of the kernels may read up to a line beyond the last cell.
+        const std::size_t slack = ArrayPlace::lineBytes / sizeof(T);
+        std::vector<T, RoomAllocator<T>>(size == 0 ? 0 : begin_ + size + slack).swap(storage_);
     }
 
     T* data() { return storage_.data() + begin_; }

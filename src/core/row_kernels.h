@@ -18,6 +18,44 @@ struct ComponentRows {
     Value* row(int component) const { return first + component * stride; }
 };
 
+/// How the work state comes about: it stands already, is the trial state of a stage, or the state behind a step.
+enum class Forming { none, trial, completed };
+
+/// Conserved quantities of the cells of a row in all slots, a row for each component.
+struct ConservedRows {
+    float* work = nullptr;
+    float* committed = nullptr;
+    const float* slopes[5] = {}; ///< of the stages [1..4]
+    int stage = 0;               ///< whose slope a trial state follows
+    std::int64_t stride = 0;     ///< from a component to the next one
+};
+
+/// What the work state and the primitives of a row are formed of. A code row keeps values where its codes are as told;
+/// it is null where no cell of the row has such a code.
+struct PreparedRows {
+    int count = 0; ///< cells
+    Forming forming = Forming::none;
+    double step = 0;          ///< s
+    double gasFactor = 0;     ///< J/(kg K)
+    float densityFloor = 0;   ///< kg/m3
+    bool held = false;        ///< there are code rows
+    ConservedRows species;
+    ConservedRows energy;
+    ConservedRows momentum;
+    const float* volume = nullptr;
+    const float* capacity = nullptr;
+    float* mass = nullptr;
+    float* density = nullptr;
+    ComponentRows<float> concentrations;
+    float* temperature = nullptr;
+    ComponentRows<float> velocities;
+    float* pressure = nullptr;
+    const std::int16_t* speciesCode = nullptr;       ///< other than 0 keeps the masses, negative the pressure
+    const std::int16_t* energyCode = nullptr;        ///< other than 0 keeps the heat, negative the temperature
+    const std::int16_t* concentrationCode = nullptr; ///< negative keeps the concentrations
+    const std::int16_t* const* velocityCodes = nullptr; ///< for each component: other than 0 keeps momentum and velocity
+};
+
 /// The faces below and above the cells of a row along one dimension, with what they carry. Each pointer leads to the
 /// value of the first cell, or of its upper face; `...Lower`, `...Below` and `...Above` to the value of the first cell's
 /// lower face or of its neighbour.
@@ -57,6 +95,9 @@ struct PullRows {
     const float* friction = nullptr;
     const float* mass = nullptr;
     const float* gravity = nullptr; ///< of each component
+    bool held = false;              ///< the codes are not all 0, but for negative ones of components
+    ComponentRows<const std::int16_t> velocityCodes;
+    const std::int16_t* wholeCode = nullptr;
 };
 
 /// All rows begin at the cell that a pointer leads to, and have `count` cells. A `code` row keeps what it says from
@@ -64,43 +105,13 @@ struct PullRows {
 struct RowKernels {
     const char* name; ///< of the instruction set
 
-    /// work = committed + h slope
-    void (*formTrial)(int count, float* work, const float* committed, const float* slope, double h);
-    /// The same where code is 0.
-    void (*formTrialWhereFree)(
-        int count, float* work, const float* committed, const float* slope, double h, const std::int16_t* code);
-    /// work = committed + ((2 k2 + k1) + 2 k3 + k4) dt / 6, then committed = work
-    void (*completeStep)(int count, float* work, float* committed, const float* const slopes[5], double dt);
-    /// The same where code is 0; committed follows everywhere.
-    void (*completeStepWhereFree)(
-        int count, float* work, float* committed, const float* const slopes[5], double dt, const std::int16_t* code);
-
-    /// sum = 0 + value, or sum = sum + value
-    void (*startSum)(int count, float* sum, const float* value);
-    void (*addToSum)(int count, float* sum, const float* value);
-    /// quotient = a / b
-    void (*divide)(int count, float* quotient, const float* a, const float* b);
-    void (*divideWhereFree)(int count, float* quotient, const float* a, const float* b, const std::int16_t* code);
-    void (*divideWhereNotNegative)(
-        int count, float* quotient, const float* a, const float* b, const std::int16_t* code);
-    /// temperature = energy / (capacity mass)
-    void (*temperature)(int count, float* temperature, const float* energy, const float* capacity, const float* mass);
-    void (*temperatureWhereNotNegative)(int count,
-                                        float* temperature,
-                                        const float* energy,
-                                        const float* capacity,
-                                        const float* mass,
-                                        const std::int16_t* code);
-    /// pressure = gasFactor mass temperature / volume
-    void (*pressure)(
-        int count, float* pressure, double gasFactor, const float* mass, const float* temperature, const float* volume);
-    void (*pressureWhereNotNegative)(int count,
-                                     float* pressure,
-                                     double gasFactor,
-                                     const float* mass,
-                                     const float* temperature,
-                                     const float* volume,
-                                     const std::int16_t* code);
+    /// Forms the work state, and the primitives from it. Tells whether all cells are denser than the floor.
+    ///   trial:      work = committed + step slope
+    ///   completed:  work = committed + ((2 k2 + k1) + 2 k3 + k4) step / 6,   then committed = work
+    ///   mass = sum of the species, density = mass / volume, concentration = species / mass,
+    ///   temperature = energy / (capacity mass), velocity = momentum / mass,
+    ///   pressure = gasFactor mass temperature / volume
+    bool (*prepare)(const PreparedRows& rows);
     /// Whether all values are above a floor; a NaN is not.
     bool (*allAbove)(int count, const float* value, float floor);
 
@@ -117,17 +128,7 @@ struct RowKernels {
     void (*addFaces)(const FaceRows& faces);
 
     /// Subtracts velocity friction, then adds gravity mass.
-    void (*dragAndGravity)(const PullRows& rows);
-    /// The same for one component where the code of the whole cell is 0, the drag only where the code is not positive. Before that the
-    /// slope becomes 0 where the code is positive.
-    void (*dragAndGravityWhereFree)(int count,
-                                    float* slope,
-                                    const float* velocity,
-                                    const float* friction,
-                                    double gravity,
-                                    const float* mass,
-                                    const std::int16_t* code,
-                                    const std::int16_t* wholeCode);
+    void (*slowAndPull)(const PullRows& rows);
     /// slope = 0 where the code is positive
     void (*clearWherePositive)(int count, float* slope, const std::int16_t* code);
 };

@@ -95,136 +95,81 @@ void planCoefficients(const SimState& sim, StagePlan& plan) {
     }
 }
 
-// --- work state ------------------------------------------------------------------------------------------------------
+// --- work state and primitives ---------------------------------------------------------------------------------------
 
-/// One component of a conserved quantity in a row, in all slots.
-struct SlotRows {
-    float* slot[6];
-};
-
+/// `stage` [1..4]; 1 completes the step before.
 template <class Slots>
-SlotRows slotRows(Slots& slots, std::int64_t component, std::int64_t first) {
-    SlotRows rows;
-    for (int slot = 0; slot <= workSlot; ++slot) rows.slot[slot] = slots.slot(slot).component(component) + first;
+ConservedRows conservedRows(Slots& slots, int work, std::int64_t component, std::int64_t first, int stage) {
+    ConservedRows rows;
+    rows.work = slots.slot(work).component(component) + first;
+    rows.committed = slots.slot(committedSlot).component(component) + first;
+    for (int k = 1; k <= 4; ++k) rows.slopes[k] = slots.slot(k).component(component) + first;
+    rows.stage = stage - 1;
+    rows.stride = slots.slot(work).componentStride();
     return rows;
 }
 
-/// `code` is null where no cell of the row is held.
-void formComponent(
-    const RowKernels& kernels, int count, const SlotRows& q, int stage, double dt, const std::int16_t* code) {
-    const double h = stage == 4 ? dt : dt * 0.5;
-    if (stage == 1 && code == nullptr)
-        kernels.completeStep(count, q.slot[workSlot], q.slot[committedSlot], q.slot, dt);
-    else if (stage == 1)
-        kernels.completeStepWhereFree(count, q.slot[workSlot], q.slot[committedSlot], q.slot, dt, code);
-    else if (code == nullptr)
-        kernels.formTrial(count, q.slot[workSlot], q.slot[committedSlot], q.slot[stage - 1], h);
-    else
-        kernels.formTrialWhereFree(count, q.slot[workSlot], q.slot[committedSlot], q.slot[stage - 1], h, code);
-}
-
-void formWorkRow(SimState& sim, const StagePlan& plan, int stage, std::int64_t row) {
-    const RowKernels& kernels = *plan.kernels;
+void setCodes(const SimState& sim, const StagePlan& plan, StageWorkspace& workspace, std::int64_t row, PreparedRows& p) {
+    const std::int64_t first = firstCell(plan, row);
     const RowTraits& traits = plan.rowTraits[row];
-    const std::int64_t first = firstCell(plan, row);
-    const int count = plan.rowCells;
-    const double dt = sim.dt;
-    const std::int16_t* const heldSpecies = traits.heldSpecies ? &sim.wallPressure[first] : nullptr;
-    for (int species = 0; species <= sim.nsMax; ++species)
-        formComponent(kernels, count, slotRows(sim.stageSpecies, species, first), stage, dt, heldSpecies);
-    const std::int16_t* const heldEnergy = traits.heldEnergy ? &sim.wallTemperature[first] : nullptr;
-    formComponent(kernels, count, slotRows(sim.stageEnergy, 0, first), stage, dt, heldEnergy);
+    if (traits.heldSpecies) p.speciesCode = &sim.wallPressure[first];
+    if (traits.heldEnergy) p.energyCode = &sim.wallTemperature[first];
+    if (traits.heldConcentration) p.concentrationCode = &sim.wallConcentration[first];
+    p.held = traits.heldSpecies || traits.heldEnergy || traits.heldConcentration;
     for (int dim = 1; dim <= sim.nDim; ++dim) {
-        const SlotRows momentum = slotRows(sim.stageMomentum, dim, first);
         const bool held = plan.dimensionTraits[row * sim.nDim + dim - 1].held;
-        const bool withoutEnd = dim == 1 && traits.closedEnd;
-        const std::int16_t* const code = held ? sim.wallVelocity.component(dim) + first : nullptr;
-        formComponent(kernels, withoutEnd ? count - 1 : count, momentum, stage, dt, code);
-        if (withoutEnd && stage == 1) momentum.slot[committedSlot][count - 1] = momentum.slot[workSlot][count - 1];
+        workspace.velocityCodes[dim - 1] = held ? sim.wallVelocity.component(dim) + first : nullptr;
+        p.held |= held;
     }
+    p.velocityCodes = workspace.velocityCodes.data();
 }
 
-// --- primitives ------------------------------------------------------------------------------------------------------
-
-void deriveMassAndDensity(SimState& sim, const StagePlan& plan, std::int64_t first) {
-    const int count = plan.rowCells;
-    float* const mass = &sim.cellMass[first];
-    const auto& work = sim.stageSpecies.slot(sim.stageWork);
-    plan.kernels->startSum(count, mass, work.component(0) + first);
-    for (int species = 1; species <= sim.nsMax; ++species)
-        plan.kernels->addToSum(count, mass, work.component(species) + first);
-    plan.kernels->divide(count, &sim.density[first], mass, plan.volume.row(first));
+PreparedRows preparedRows(SimState& sim, const StagePlan& plan, std::int64_t first, int stage) {
+    PreparedRows p;
+    p.count = plan.rowCells;
+    p.forming = stage == 0 ? Forming::none : stage == 1 ? Forming::completed : Forming::trial;
+    p.step = stage == 1 || stage == 4 ? double(sim.dt) : double(sim.dt) * 0.5;
+    p.gasFactor = sim.gasFactor;
+    p.densityFloor = sim.rhoFloor;
+    p.species = conservedRows(sim.stageSpecies, sim.stageWork, 0, first, stage);
+    p.energy = conservedRows(sim.stageEnergy, sim.stageWork, 0, first, stage);
+    p.momentum = conservedRows(sim.stageMomentum, sim.stageWork, 1, first, stage);
+    p.volume = plan.volume.row(first);
+    p.capacity = plan.capacity.row(first);
+    p.mass = &sim.cellMass[first];
+    p.density = &sim.density[first];
+    p.concentrations = {sim.concentration.component(0) + first, sim.concentration.componentStride(), sim.nsMax + 1};
+    p.temperature = &sim.temperature[first];
+    p.velocities = {sim.velocity.component(1) + first, sim.velocity.componentStride(), sim.nDim};
+    p.pressure = &sim.pressure[first];
+    return p;
 }
 
-void deriveConcentrations(SimState& sim, const StagePlan& plan, std::int64_t first, bool held) {
-    const float* const mass = &sim.cellMass[first];
-    for (int species = 0; species <= sim.nsMax; ++species) {
-        const float* const speciesMass = sim.stageSpecies.slot(sim.stageWork).component(species) + first;
-        float* const concentration = sim.concentration.component(species) + first;
-        if (held)
-            plan.kernels->divideWhereNotNegative(plan.rowCells, concentration, speciesMass, mass,
-                                                 &sim.wallConcentration[first]);
-        else
-            plan.kernels->divide(plan.rowCells, concentration, speciesMass, mass);
-    }
-}
-
-void deriveTemperature(SimState& sim, const StagePlan& plan, std::int64_t first, bool held) {
-    const float* const energy = sim.stageEnergy.slot(sim.stageWork).component(0) + first;
-    if (held)
-        plan.kernels->temperatureWhereNotNegative(plan.rowCells, &sim.temperature[first], energy,
-                                                  plan.capacity.row(first), &sim.cellMass[first],
-                                                  &sim.wallTemperature[first]);
-    else
-        plan.kernels->temperature(plan.rowCells, &sim.temperature[first], energy, plan.capacity.row(first),
-                                  &sim.cellMass[first]);
-}
-
-void deriveVelocities(SimState& sim, const StagePlan& plan, std::int64_t row, std::int64_t first) {
-    const float* const mass = &sim.cellMass[first];
-    for (int dim = 1; dim <= sim.nDim; ++dim) {
-        const int count = dim == 1 && plan.rowTraits[row].closedEnd ? plan.rowCells - 1 : plan.rowCells;
-        const float* const momentum = sim.stageMomentum.slot(sim.stageWork).component(dim) + first;
-        float* const velocity = sim.velocity.component(dim) + first;
-        if (plan.dimensionTraits[row * sim.nDim + dim - 1].held)
-            plan.kernels->divideWhereFree(count, velocity, momentum, mass, sim.wallVelocity.component(dim) + first);
-        else
-            plan.kernels->divide(count, velocity, momentum, mass);
-    }
-}
-
-void derivePressure(SimState& sim, const StagePlan& plan, std::int64_t first, bool held) {
-    const double gasFactor = sim.gasFactor;
-    if (held)
-        plan.kernels->pressureWhereNotNegative(plan.rowCells, &sim.pressure[first], gasFactor, &sim.cellMass[first],
-                                               &sim.temperature[first], plan.volume.row(first),
-                                               &sim.wallPressure[first]);
-    else
-        plan.kernels->pressure(plan.rowCells, &sim.pressure[first], gasFactor, &sim.cellMass[first],
-                               &sim.temperature[first], plan.volume.row(first));
-}
-
-/// Marks rows with thin gas, and keeps the cells whose density is a fault for the messages of the stage.
-void checkDensity(const SimState& sim, StagePlan& plan, StageWorkspace& workspace, std::int64_t row) {
-    const std::int64_t first = firstCell(plan, row);
-    const bool thick = plan.kernels->allAbove(plan.rowCells, &sim.density[first], sim.rhoFloor);
-    plan.thinRow[row] = thick ? 0 : 1;
-    if (thick && sim.rhoFloor >= 0) return;
+/// Keeps the cells whose density is a fault for the messages of the stage.
+void noteFaultyCells(const SimState& sim, const StagePlan& plan, StageWorkspace& workspace, std::int64_t first) {
     for (std::int64_t cell = first; cell < first + plan.rowCells; ++cell) {
         // "not >=" instead of "<": a NaN fails every comparison, and it has to stop the run as well.
         if (!(sim.density[cell] >= 0.0f)) workspace.faultyCells.push_back(static_cast<std::int32_t>(cell));
     }
 }
 
-void deriveRow(SimState& sim, StagePlan& plan, StageWorkspace& workspace, std::int64_t row) {
+/// The work state of a stage [1..4], or 0: as it stands, and the primitives of a row.
+void prepareRow(SimState& sim, StagePlan& plan, StageWorkspace& workspace, int stage, std::int64_t row) {
     const std::int64_t first = firstCell(plan, row);
-    const RowTraits& traits = plan.rowTraits[row];
-    deriveMassAndDensity(sim, plan, first);
-    deriveConcentrations(sim, plan, first, traits.heldConcentration);
-    checkDensity(sim, plan, workspace, row);
-    deriveTemperature(sim, plan, first, traits.heldTemperature);
-    deriveVelocities(sim, plan, row, first);
-    derivePressure(sim, plan, first, traits.heldPressure);
+    PreparedRows p = preparedRows(sim, plan, first, stage);
+    setCodes(sim, plan, workspace, row, p);
+    // Most rows have no code but the one that closes their end: what it keeps is put back.
+    const std::int64_t last = first + plan.rowCells - 1;
+    const float momentum = sim.stageMomentum(sim.stageWork, last, 1);
+    const float velocity = sim.velocity(last, 1);
+    const bool dense = plan.kernels->prepare(p);
+    if (plan.rowTraits[row].closedEnd) {
+        if (stage == 1) sim.stageMomentum(committedSlot, last, 1) = momentum;
+        sim.stageMomentum(sim.stageWork, last, 1) = momentum;
+        sim.velocity(last, 1) = velocity;
+    }
+    plan.thinRow[row] = dense ? 0 : 1;
+    if (!dense || sim.rhoFloor < 0) noteFaultyCells(sim, plan, workspace, first);
     for (std::int64_t k = plan.imposedOfRow[row]; k < plan.imposedOfRow[row + 1]; ++k)
         imposeHeldValues(sim, plan.imposedCells[k]);
 }
@@ -345,33 +290,24 @@ void addFacesAcross(const SlopeRow& r, int dim) {
     r.plan.kernels->addFaces(faces);
 }
 
-void addDragAndGravityWhereFree(const SlopeRow& r, int dim) {
-    const SimState& sim = r.sim;
-    r.plan.kernels->dragAndGravityWhereFree(
-        r.plan.rowCells, r.slope(r.sim.stageMomentum, dim), sim.velocity.component(dim) + r.first,
-        r.plan.friction.row(r.first), sim.gravity[dim], &sim.cellMass[r.first],
-        sim.wallVelocity.component(dim) + r.first, sim.wallVelocity.component(0) + r.first);
-}
-
 void addDragAndGravity(const SlopeRow& r) {
     const SimState& sim = r.sim;
     const RowTraits& traits = r.plan.rowTraits[r.row];
-    if (traits.wholeCodes || traits.closedVelocity) {
-        for (int dim = 1; dim <= sim.nDim; ++dim) addDragAndGravityWhereFree(r, dim);
-        return;
-    }
     auto& momentumSlopes = r.sim.stageMomentum.slot(r.stage);
-    const float* const mass = &sim.cellMass[r.first];
-    r.plan.kernels->dragAndGravity(
-        {r.plan.rowCells,
-         {momentumSlopes.component(1) + r.first, momentumSlopes.componentStride(), sim.nDim},
-         {sim.velocity.component(1) + r.first, sim.velocity.componentStride(), sim.nDim},
-         r.plan.friction.row(r.first),
-         mass,
-         &sim.gravity[1]});
-    const int last = r.plan.rowCells - 1;
-    if (traits.closedEnd) // no terms but gravity
-        r.slope(r.sim.stageMomentum, 1)[last] = static_cast<float>(0.0 + double(sim.gravity[1]) * double(mass[last]));
+    PullRows p;
+    p.count = r.plan.rowCells;
+    p.slopes = {momentumSlopes.component(1) + r.first, momentumSlopes.componentStride(), sim.nDim};
+    p.velocities = {sim.velocity.component(1) + r.first, sim.velocity.componentStride(), sim.nDim};
+    p.friction = r.plan.friction.row(r.first);
+    p.mass = &sim.cellMass[r.first];
+    p.gravity = &sim.gravity[1];
+    p.held = traits.wholeCodes || traits.closedVelocity;
+    p.velocityCodes = {sim.wallVelocity.component(1) + r.first, sim.wallVelocity.componentStride(), sim.nDim};
+    p.wholeCode = sim.wallVelocity.component(0) + r.first;
+    r.plan.kernels->slowAndPull(p);
+    const int last = p.count - 1;
+    if (!p.held && traits.closedEnd) // no terms but gravity
+        p.slopes.first[last] = static_cast<float>(0.0 + double(sim.gravity[1]) * double(p.mass[last]));
 }
 
 void computeSlopeRow(SimState& sim, const StagePlan& plan, StageWorkspace& workspace, int stage, std::int64_t row) {
@@ -494,6 +430,7 @@ StagePlan planStages(const SimState& sim, int threads, const RowKernels& kernels
     plan.workspaces.resize(static_cast<std::size_t>(size));
     for (StageWorkspace& workspace : plan.workspaces) {
         workspace.openFaces.resize(static_cast<std::size_t>(2 * plan.paddedCells));
+        workspace.velocityCodes.resize(static_cast<std::size_t>(sim.nDim));
     }
     try {
         plan.team = std::make_unique<ThreadTeam>(size);
@@ -508,8 +445,7 @@ void runStage(SimState& sim, const Interface& ui, StagePlan& plan, int stage) {
     sweepRows(
         plan,
         [&](StageWorkspace& workspace, std::int64_t row) {
-            formWorkRow(sim, plan, stage, row);
-            deriveRow(sim, plan, workspace, row);
+            prepareRow(sim, plan, workspace, stage, row);
         },
         [&](StageWorkspace& workspace, std::int64_t row) { computeSlopeRow(sim, plan, workspace, stage, row); });
     tellFaultyCells(sim, ui, plan);
@@ -519,7 +455,7 @@ void runStage(SimState& sim, const Interface& ui, StagePlan& plan, int stage) {
 void derivePrimitives(SimState& sim, const Interface& ui, StagePlan& plan) {
     const auto nothing = [](StageWorkspace&, std::int64_t) {};
     sweepRows(
-        plan, [&](StageWorkspace& workspace, std::int64_t row) { deriveRow(sim, plan, workspace, row); }, nothing);
+        plan, [&](StageWorkspace& workspace, std::int64_t row) { prepareRow(sim, plan, workspace, 0, row); }, nothing);
     tellFaultyCells(sim, ui, plan);
 }
 

@@ -45,6 +45,7 @@ struct Coefficient {
 
 /// Rows of one thread's own.
 struct StageWorkspace {
+    std::vector<const std::int16_t*> velocityCodes; ///< of the row in hand, for each component; null: nothing is held
     std::vector<std::int64_t> openFaces;   ///< whether the lower and the upper faces of a row carry
     std::vector<std::int32_t> faultyCells; ///< cells whose density is not at least 0, in this stage
 };
