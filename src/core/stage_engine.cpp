@@ -348,7 +348,8 @@ void forRows(const StagePlan& plan, std::int64_t sheet, std::int64_t from, std::
 }
 
 /// Prepares a strip of rows in all sheets of a share, and finishes behind it what can be: sheets `reach` back, and one
-/// row back within a sheet, since the next strip prepares the neighbours of the last row.
+/// row back within a sheet, since the next strip prepares the neighbours of the last row. Rows are prepared and finished
+/// in turn, so that the processor fetches the next ones to prepare while it works on slopes.
 template <class Prepare, class Finish>
 void sweepStrip(const StagePlan& plan,
                 const Share& share,
@@ -356,14 +357,15 @@ void sweepStrip(const StagePlan& plan,
                 std::int64_t to,
                 const Prepare& prepare,
                 const Finish& finish) {
-    const std::int64_t finishFrom = std::max<std::int64_t>(from - 1, 0);
-    const std::int64_t finishTo = to == plan.sheetRows ? to : to - 1;
-    std::int64_t next = share.firstFree;
-    for (std::int64_t sheet = share.begin; sheet < share.end; ++sheet) {
-        forRows(plan, sheet, from, to, prepare);
-        if (sheet - plan.reach >= next && next < share.endFree) forRows(plan, next++, finishFrom, finishTo, finish);
+    for (std::int64_t sheet = share.begin; sheet < share.end + plan.reach; ++sheet) {
+        const std::int64_t behind = sheet - plan.reach;
+        const bool finishes = behind >= share.firstFree && behind < share.endFree;
+        for (std::int64_t row = from; row < to; ++row) {
+            if (sheet < share.end) prepare(sheet * plan.sheetRows + row);
+            if (finishes && row > 0) finish(behind * plan.sheetRows + row - 1);
+        }
+        if (finishes && to == plan.sheetRows) finish(behind * plan.sheetRows + to - 1);
     }
-    for (; next < share.endFree; ++next) forRows(plan, next, finishFrom, finishTo, finish);
 }
 
 /// Prepares all rows (their work state and primitives) and finishes all rows (their slopes), in one sweep as far as
@@ -399,7 +401,7 @@ namespace {
 
 /// Sheets are the planes of dimensions 1 and 2 where there are more dimensions, else single rows.
 void layOutSheets(const SimState& sim, StagePlan& plan) {
-    const std::int64_t cellsOfStrip = getenv("STRIP") ? atoi(getenv("STRIP")) : 2048; // some 35 fields of them in three sheets are 900 kB
+    const std::int64_t cellsOfStrip = getenv("STRIP") ? atoi(getenv("STRIP")) : 8192; // some 35 fields of them in three sheets are 900 kB
     const bool hasPlanes = sim.nDim > 2 && sim.nCells > 0;
     plan.sheetRows = hasPlanes ? sim.cellCount[2] : 1;
     plan.sheets = plan.rows / plan.sheetRows;
