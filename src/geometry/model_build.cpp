@@ -70,7 +70,7 @@ void setDisplayDefaults(SimState& sim) {
 }
 
 /// Stores the value of an indexed key where the item has one and the array has that index.
-void parseElement(std::string& item, std::string_view key, Array<float>& array) {
+void parseElement(std::string_view item, std::string_view key, Array<float>& array) {
     std::int16_t index = -1;
     float value = 0;
     parseKeyIndexValue(item, key, index, value);
@@ -87,7 +87,7 @@ struct KeyedSize {
     int dim() const { return std::abs(int{index}); }
 };
 
-KeyedSize parseSize(std::string& item, std::string_view key) {
+KeyedSize parseSize(std::string_view item, std::string_view key) {
     KeyedSize size;
     parseKeyIndexValue(item, key, size.index, size.value);
     return size;
@@ -101,7 +101,7 @@ void applyTemplateSize(SimState& sim, const KeyedSize& size) {
     for (int dim = first; dim <= last; ++dim) sim.cellSize(0, dim) = size.value;
 }
 
-void parseDefaultsItem(SimState& sim, std::string& item, bool keepDisplay, std::int32_t& stepLimit) {
+void parseDefaultsItem(SimState& sim, std::string_view item, bool keepDisplay, std::int32_t& stepLimit) {
     parseKeyValue(item, "DT", sim.dt);
     parseKeyValue(item, "UT", sim.updateEvery);
     parseKeyValue(item, "ST", sim.saveEvery);
@@ -129,7 +129,7 @@ std::int32_t readDefaults(SimState& sim, bool keepDisplay) {
         RowWalker walker(sim.grid.row(row), sim.gridCols);
         for (std::int64_t column = 1; column <= sim.gridCols; ++column)
             forEachItem(walker.next(),
-                        [&](std::string& item) { parseDefaultsItem(sim, item, keepDisplay, stepLimit); });
+                        [&](std::string_view item) { parseDefaultsItem(sim, item, keepDisplay, stepLimit); });
     }
     return stepLimit;
 }
@@ -276,7 +276,7 @@ void readCellTexts(SimState& sim) {
         for (std::int32_t column = 1; column <= sim.gridCols; ++column) {
             cell += 1;
             takeSpreads(sim, spreads, cell);
-            forEachItem(walker.next(), [&](std::string& item) {
+            forEachItem(walker.next(), [&](std::string_view item) {
                 parseCellKeys(sim, item, cell);
                 applyCellSize(sim, spreads.sizes, cell, parseSize(item, "DD"));
                 applyCellHeight(sim, spreads.heights, cell, parseSize(item, "HH"));
