@@ -376,18 +376,10 @@ void setStartMomenta(SimState& sim, const CellRange& cells) {
     }
 }
 
-/// Spreads codes of whole cells to their elements, and turns code 2 (both faces closed) into two closed upper faces.
-void resolveWallVelocities(SimState& sim) {
-    for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
-        const std::int16_t cellCode = sim.wallVelocity(cell, 0);
-        for (int dim = 1; cellCode != 0 && dim <= sim.nDim; ++dim) sim.wallVelocity(cell, dim) = cellCode;
-        for (int dim = 1; dim <= sim.nDim; ++dim) {
-            if (sim.wallVelocity(cell, dim) != 2) continue;
-            const std::int64_t lower = std::int64_t{cell} - sim.cellStride[dim];
-            if (inSameRow(sim, lower, cell, dim)) sim.wallVelocity(lower, dim) = 1;
-            sim.wallVelocity(cell, dim) = 1;
-        }
-    }
+void setStartState(SimState& sim, const CellRange& cells) {
+    setStartMasses(sim, cells);
+    setStartEnergies(sim, cells);
+    setStartMomenta(sim, cells);
 }
 
 /// Each from the cell below it, so in ascending order.
@@ -420,6 +412,20 @@ void deriveCoefficients(SimState& sim, const CellRange& cells) {
             const double square = double(sim.cellSize(cell, dim)) * double(sim.cellSize(cell, dim));
             sim.conductionCoef(cell, dim) = static_cast<float>(double(sim.conductivity[cell]) * volume / square);
             sim.viscousCoef(cell, dim) = static_cast<float>(double(sim.viscosity[cell]) * volume / square);
+        }
+    }
+}
+
+/// Spreads codes of whole cells to their elements, and turns code 2 (both faces closed) into two closed upper faces.
+void resolveWallVelocities(SimState& sim) {
+    for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
+        const std::int16_t cellCode = sim.wallVelocity(cell, 0);
+        for (int dim = 1; cellCode != 0 && dim <= sim.nDim; ++dim) sim.wallVelocity(cell, dim) = cellCode;
+        for (int dim = 1; dim <= sim.nDim; ++dim) {
+            if (sim.wallVelocity(cell, dim) != 2) continue;
+            const std::int64_t lower = std::int64_t{cell} - sim.cellStride[dim];
+            if (inSameRow(sim, lower, cell, dim)) sim.wallVelocity(lower, dim) = 1;
+            sim.wallVelocity(cell, dim) = 1;
         }
     }
 }
@@ -461,13 +467,10 @@ void buildModel(SimState& sim, Interface& ui) {
     forRanges(sim, [&](const CellRange& cells) {
         deriveVolumes(sim, cells);
         deriveFirstConcentrations(sim, cells);
-        if (continues) return;
-        setStartMasses(sim, cells);
-        setStartEnergies(sim, cells);
-        setStartMomenta(sim, cells);
+        if (!continues) setStartState(sim, cells);
+        deriveCoefficients(sim, cells);
     });
     resolveWallVelocities(sim);
-    forRanges(sim, [&](const CellRange& cells) { deriveCoefficients(sim, cells); });
 
     sim.stopStep = limitedSum(sim.stepCount, stepLimit);
     if (sim.runMode == modeGeometryRead && sim.logEvery > 0 && !sim.onlyLooks) emptyLog(sim, ui);
