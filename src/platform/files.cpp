@@ -159,7 +159,8 @@ FileResult readPieces(const std::string& path, const std::function<bool(std::str
         if (length == 0 || !take(std::string_view(piece).substr(0, length))) return {};
     }
 
-} catch (const std::exception&) {
+} catch (const std::exception&) { // no memory for a piece, or for what is made of it
+
     return failure(ENOMEM);
 }
 
