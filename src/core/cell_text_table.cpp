@@ -28,13 +28,4 @@ std::string_view CellTextTable::text(std::int64_t column, std::int64_t row, std:
     return walker.next();
 }
 
-std::string_view RowWalker::next() {
-    if (left_ <= 0) return {};
-    left_ -= 1;
-    const std::size_t tab = left_ == 0 ? std::string_view::npos : rest_.find('\t');
-    const std::string_view text = rest_.substr(0, tab);
-    rest_ = tab == std::string_view::npos ? std::string_view() : rest_.substr(tab + 1);
-    return text;
-}
-
 } // namespace norvane

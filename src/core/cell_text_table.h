@@ -41,8 +41,20 @@ class RowWalker {
 public:
     RowWalker(std::string_view row, std::int64_t columns) : rest_(row), left_(columns) {}
 
-    /// The text of the next column; empty behind the end of the row.
-    std::string_view next();
+    /// The text of the next column; empty behind the end of the row. In the header, since a load of millions of cells
+    /// asks for each.
+    std::string_view next() {
+        if (left_ <= 0) return {};
+        left_ -= 1;
+        if (left_ > 0 && !rest_.empty() && rest_[0] == '\t') { // most texts are empty
+            rest_.remove_prefix(1);
+            return {};
+        }
+        const std::size_t tab = left_ == 0 ? std::string_view::npos : rest_.find('\t');
+        const std::string_view text = rest_.substr(0, tab);
+        rest_ = tab == std::string_view::npos ? std::string_view() : rest_.substr(tab + 1);
+        return text;
+    }
 
 private:
     std::string_view rest_;

@@ -58,6 +58,12 @@ ItemKind readWhole(NumberItems& items, std::int32_t& value) {
     return ItemKind::number;
 }
 
+std::size_t wholeItems(std::string_view text) {
+    std::size_t length = text.size();
+    while (length > 0 && !isSeparator(text[length - 1])) --length;
+    return length;
+}
+
 std::int64_t lineOfItem(const NumberItems& items) {
     const std::string_view before = items.text.substr(0, items.item);
     std::int64_t line = 1;

@@ -27,6 +27,9 @@ ItemKind readNumber(NumberItems& items, double& value);
 /// item that is not finite counts as other text. `value` changes only with ItemKind::number.
 ItemKind readWhole(NumberItems& items, std::int32_t& value);
 
+/// The length of a text up to its last separator: what may follow can't change the items before it.
+std::size_t wholeItems(std::string_view text);
+
 /// The line, counted from 1, in which the item read last stands.
 std::int64_t lineOfItem(const NumberItems& items);
 

@@ -6,9 +6,12 @@
 #include "geometry/model_build.h"
 #include "platform/files.h"
 
+#include <algorithm>
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace norvane {
 
@@ -95,88 +98,107 @@ bool formatState(const SimState& sim, std::string& text) {
 
 // --- recalling -----------------------------------------------------------------------------------------------------
 
-/// Slopes are zero in a fresh model and after a recall, so that one of their slots can take the values of a file until
-/// all of them are known to be there: the state itself is touched only then, and no memory is needed for them.
-constexpr int heldBackSlot = 1;
+constexpr int headerLines = 4;
 
+/// What a recall takes of a state file, which passes by piece by piece: its text is many times as large as its numbers.
 struct StateReader {
-    std::string fileName;
-    NumberItems items;
+    std::int32_t cells = 0; ///< that the model has
+    std::size_t wanted = 0; ///< numbers of groups A to C
+    int linesRead = 0;      ///< of the header
     std::int32_t stepCount = 0;
-    std::string fault; ///< message about the first thing that is wrong with the file; empty: nothing so far
+    std::vector<float> values; ///< of groups A to C, in the order of the file
+    std::string text;          ///< from the first item that may go on in the next piece
+    std::size_t passed = 0;    ///< bytes of the file before it
+    NumberItems items;
+    ItemKind latest = ItemKind::number; ///< of the item read last
+    bool fitsCells = true;
+
+    bool done() const { return linesRead == headerLines && values.size() == wanted; }
 };
 
-bool accept(StateReader& reader, ItemKind kind, const std::string& wanted) {
-    if (kind == ItemKind::number) return true;
-    reader.fault = reader.fileName + ", " + itemFault(reader.items, kind, wanted) + "." + lineEnd
-                   + "Nothing was recalled: the model stands as built from its geometry.";
-    return false;
-}
-
-/// Reads the number of cells and the step count, of which the last of three holds.
-bool readHeader(StateReader& reader, const SimState& sim) {
-    std::int32_t cells = 0;
-    if (!accept(reader, readWhole(reader.items, cells), "the number of cells")) return false;
-    if (cells != sim.nCells) {
-        reader.fault = "incorrect number of cells in saved state";
-        return false;
+/// The number of cells and the step count, of which the last of three holds.
+void readHeader(StateReader& reader) {
+    while (reader.linesRead < headerLines && reader.fitsCells) {
+        std::int32_t number = 0;
+        reader.latest = readWhole(reader.items, number);
+        if (reader.latest != ItemKind::number) return;
+        if (reader.linesRead == 0)
+            reader.fitsCells = number == reader.cells;
+        else
+            reader.stepCount = number;
+        reader.linesRead += 1;
     }
-    for (int line = 1; line <= 3; ++line)
-        if (!accept(reader, readWhole(reader.items, reader.stepCount), "the step count")) return false;
-    return true;
+    if (reader.fitsCells) reader.values.reserve(reader.wanted);
 }
 
-/// Reads a value for each cell into `target(cell)`. `quantity` names them in a message.
-template <class Target>
-bool readBlock(StateReader& reader, const SimState& sim, const std::string& quantity, const Target& target) {
-    for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
-        const ItemKind kind = readNumber(reader.items, target(cell));
-        if (kind != ItemKind::number) return accept(reader, kind, quantity + " of cell " + std::to_string(cell));
+/// Reads on to the end of `text`, of what is wanted, or at a fault.
+void readItems(StateReader& reader, std::string_view text) {
+    reader.items = {text};
+    if (reader.linesRead < headerLines) readHeader(reader);
+    if (reader.linesRead < headerLines || !reader.fitsCells) return;
+    float number = 0;
+    while (reader.values.size() < reader.wanted) {
+        reader.latest = readNumber(reader.items, number);
+        if (reader.latest != ItemKind::number) return;
+        reader.values.push_back(number);
     }
+}
+
+/// Gives false where no more of the file is needed.
+bool takePiece(StateReader& reader, std::string_view piece) {
+    const std::size_t inPiece = wholeItems(piece);
+    const std::size_t whole = inPiece == 0 ? 0 : reader.text.size() + inPiece;
+    reader.text += piece;
+    readItems(reader, std::string_view(reader.text).substr(0, whole));
+    if (reader.done() || !reader.fitsCells || reader.latest == ItemKind::otherText) return false;
+    reader.text.erase(0, whole);
+    reader.passed += whole;
     return true;
 }
 
-bool readConserved(StateReader& reader, SimState& sim) {
-    for (int dim = 1; dim <= sim.nDim; ++dim)
-        if (!readBlock(reader, sim, "the momentum along dimension " + std::to_string(dim),
-                       [&](std::int32_t cell) -> float& { return sim.stageMomentum(heldBackSlot, cell, dim); }))
-            return false;
-    if (!readBlock(reader, sim, "the energy",
-                   [&](std::int32_t cell) -> float& { return sim.stageEnergy(heldBackSlot, cell); }))
-        return false;
-    for (int species = 0; species <= sim.nsMax; ++species)
-        if (!readBlock(reader, sim, "the mass of species " + std::to_string(species),
-                       [&](std::int32_t cell) -> float& { return sim.stageSpecies(heldBackSlot, species, cell); }))
-            return false;
-    return true;
+FileResult readState(const std::string& path, StateReader& reader) {
+    const FileResult read = readPieces(path, [&](std::string_view piece) { return takePiece(reader, piece); });
+    const bool endsEarly = !reader.done() && reader.fitsCells && reader.latest != ItemKind::otherText;
+    if (read && endsEarly) readItems(reader, reader.text); // the last item may lack a separator behind it
+    return read;
 }
 
-/// Calls `work` for every conserved quantity of every cell, with a function that gives its value in a slot.
-template <class Work>
-void forConserved(SimState& sim, const Work& work) {
-    for (int dim = 1; dim <= sim.nDim; ++dim)
-        for (std::int32_t cell = 1; cell <= sim.nCells; ++cell)
-            work([&](int slot) -> float& { return sim.stageMomentum(slot, cell, dim); });
-    for (std::int32_t cell = 1; cell <= sim.nCells; ++cell)
-        work([&](int slot) -> float& { return sim.stageEnergy(slot, cell); });
-    for (int species = 0; species <= sim.nsMax; ++species)
-        for (std::int32_t cell = 1; cell <= sim.nCells; ++cell)
-            work([&](int slot) -> float& { return sim.stageSpecies(slot, species, cell); });
+/// What stands at the place of the item read last.
+std::string nameOfItem(const StateReader& reader, const SimState& sim) {
+    if (reader.linesRead == 0) return "the number of cells";
+    if (reader.linesRead < headerLines) return "the step count";
+    const auto cells = static_cast<std::size_t>(sim.nCells);
+    const auto block = static_cast<int>(reader.values.size() / cells);
+    const std::string place = " of cell " + std::to_string(reader.values.size() % cells + 1);
+    if (block < sim.nDim) return "the momentum along dimension " + std::to_string(block + 1) + place;
+    if (block == sim.nDim) return "the energy" + place;
+    return "the mass of species " + std::to_string(block - sim.nDim - 1) + place;
 }
 
-/// The slopes of the step that was saved in the middle are not in the file: the next stage 1 has to add nothing.
-void clearSlopes(SimState& sim) {
-    forConserved(sim, [](const auto& q) {
-        for (int slot = 1; slot <= 4; ++slot) q(slot) = 0;
-    });
+/// The message about what is wrong with the file; empty: nothing.
+std::string faultOfState(const StateReader& reader, const SimState& sim) {
+    if (!reader.fitsCells) return "incorrect number of cells in saved state";
+    if (reader.done()) return "";
+    std::string text; // once more, to count its lines
+    readFile(statePath(sim), text);
+    const std::size_t item = reader.passed + reader.items.item;
+    return stateName(sim) + ", " + itemFault({text, item, item}, reader.latest, nameOfItem(reader, sim)) + "." + lineEnd
+           + "Nothing was recalled: the model stands as built from its geometry.";
 }
 
-/// Into both slots: before the first run of a program the primitives are derived from slot 0, later from slot 5.
-void takeHeldBack(SimState& sim) {
-    forConserved(sim, [](const auto& q) {
-        q(committedSlot) = q(heldBackSlot);
-        q(workSlot) = q(heldBackSlot);
-    });
+/// Into both slots: before the first run of a program the primitives are derived from slot 0, later from slot 5. The
+/// slopes, those of the step that was saved in the middle, are not in the file: they stay zero as the build left them,
+/// and the next stage 1 adds nothing.
+void takeState(SimState& sim, const std::vector<float>& values) {
+    const float* block = values.data();
+    const auto take = [&](auto& slots, int component) {
+        for (const int slot : {int{committedSlot}, int{workSlot}})
+            std::copy_n(block, sim.nCells, slots.slot(slot).component(component) + 1);
+        block += sim.nCells;
+    };
+    for (int dim = 1; dim <= sim.nDim; ++dim) take(sim.stageMomentum, dim);
+    take(sim.stageEnergy, 0);
+    for (int species = 0; species <= sim.nsMax; ++species) take(sim.stageSpecies, species);
 }
 
 } // namespace
@@ -207,21 +229,21 @@ bool recallState(SimState& sim, Interface& ui) {
         return false;
     };
     if (sim.nDim == 0) return fail("select an input geometry first");
-    std::string text;
     const FileResult opened = tryOpenForReading(statePath(sim));
     sim.openError = opened.error;
     if (!opened) return fail(openFault);
-    const FileResult read = readFile(statePath(sim), text);
+    StateReader reader;
+    reader.cells = sim.nCells;
+    reader.wanted = static_cast<std::size_t>(sim.nCells) * static_cast<std::size_t>(sim.nDim + 1 + sim.nsMax + 1);
+    const FileResult read = readState(statePath(sim), reader);
     if (!read)
         return fail("The state file " + stateName(sim) + " can't be read: " + read.reason + "." + lineEnd
                     + "Nothing has changed.");
     sim.runMode = modeModelStands; // not modeGeometryRead: the build must not empty the log
     buildModel(sim, ui);
-    StateReader reader{stateName(sim), {text}, 0, {}};
-    const bool isWhole = readHeader(reader, sim) && readConserved(reader, sim);
-    if (isWhole) takeHeldBack(sim);
-    clearSlopes(sim);
-    if (!isWhole) return fail(reader.fault);
+    const std::string fault = faultOfState(reader, sim);
+    if (!fault.empty()) return fail(fault);
+    takeState(sim, reader.values);
     sim.stepCount = reader.stepCount;
     updatePrimitives(sim, ui);
     return true;

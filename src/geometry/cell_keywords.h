@@ -10,18 +10,19 @@
 
 namespace norvane {
 
-/// The text with the letters a to z in capitals; the readers below compare exactly.
-std::string upperCased(std::string_view text);
+/// A text as the readers below take it: letters a to z in capitals, since keys are compared exactly, and points for
+/// commas, since either may stand in a number.
+std::string readable(std::string_view text);
 
-/// Calls `take(item)` for every item of a cell text (its parts between ":", empty ones left out), in capitals. The item
-/// is a std::string& of the walk's own: what a reader changes in it stays changed for the readers behind.
+/// Calls `take(item)` for every item of a cell text (its parts between ":", empty ones left out), made readable.
 template <class Take>
 void forEachItem(std::string_view text, const Take& take) {
-    std::string item;
-    while (!text.empty()) {
-        const std::size_t colon = text.find(':');
-        item = upperCased(text.substr(0, colon));
-        text = colon == std::string_view::npos ? std::string_view() : text.substr(colon + 1);
+    if (text.empty()) return; // as most are
+    const std::string whole = readable(text);
+    for (std::string_view rest = whole; !rest.empty();) {
+        const std::size_t colon = rest.find(':');
+        const std::string_view item = rest.substr(0, colon);
+        rest = colon == std::string_view::npos ? std::string_view() : rest.substr(colon + 1);
         if (!item.empty()) take(item);
     }
 }
@@ -32,24 +33,21 @@ void storeNumber(double number, float& target);
 void storeNumber(double number, std::int16_t& target);
 void storeNumber(double number, std::int32_t& target);
 
-/// Replaces every comma by a point: the first act of each reader, in place.
-void commasToPoints(std::string& text);
-
 /// Plain form, "TT 300": stores the number behind the first `key`, 0 where none stands there. Without the key the
 /// target stays. For whole numbers and singles.
 template <class Target>
-void parseKeyValue(std::string& text, std::string_view key, Target& target);
+void parseKeyValue(std::string_view text, std::string_view key, Target& target);
 
 /// Indexed form, "GG 2;-9.81": stores the numbers between the first `key` and the ";" behind it, and behind that ";".
 /// Without the key or the ";" both targets stay.
-void parseKeyIndexValue(std::string& text, std::string_view key, std::int16_t& index, float& value);
+void parseKeyIndexValue(std::string_view text, std::string_view key, std::int16_t& index, float& value);
 
 /// List form, "CC 1;0.2 CC 2;0.1": stores up to nDim + 1 entries in array(cell, index), index made whole as above. An
 /// entry whose index, as read, lies outside the array's range is dropped. For whole numbers and singles.
 template <class Element>
-void parseKeyList(std::string& text, std::string_view key, CellTable<Element>& array, std::int32_t cell, int nDim);
+void parseKeyList(std::string_view text, std::string_view key, CellTable<Element>& array, std::int32_t cell, int nDim);
 
 /// Tries the keys of one cell on one item, all of them. Cell 0 is the template.
-void parseCellKeys(SimState& sim, std::string& text, std::int32_t cell);
+void parseCellKeys(SimState& sim, std::string_view text, std::int32_t cell);
 
 } // namespace norvane

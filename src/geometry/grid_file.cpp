@@ -40,10 +40,10 @@ bool failAt(const Load& load, std::int64_t row, const std::string& what) {
 }
 
 std::string firstColumn(const Load& load, std::int64_t row) {
-    return upperCased(load.sim.grid.text(1, row, load.sim.gridCols));
+    return readable(load.sim.grid.text(1, row, load.sim.gridCols));
 }
 
-bool isLayerRow(std::string_view upper) { return !upper.empty() && upper[0] == 'L'; }
+bool isLayerRow(std::string_view text) { return !text.empty() && text[0] == 'L'; }
 
 void takeNames(SimState& sim, const Interface& ui) {
     sim.inputDir = ui.NV_in.Dir1.path;
@@ -103,7 +103,7 @@ bool scanFirstColumn(Load& load, std::string& lastText) {
 }
 
 /// Takes the number of dimensions from the last row, whose text is `lastText`.
-bool deduceDimensions(Load& load, std::string& lastText) {
+bool deduceDimensions(Load& load, std::string_view lastText) {
     SimState& sim = load.sim;
     if (load.layerCount == 0)
         return fail(load, "You must define at least one layer by specifying a letter 'L' above and below the layer "

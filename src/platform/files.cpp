@@ -148,6 +148,22 @@ FileResult readFile(const std::string& path, std::string& content) try {
     return failure(ENOMEM);
 }
 
+FileResult readPieces(const std::string& path, const std::function<bool(std::string_view piece)>& take) try {
+    File file = openFile(path, "rb");
+    if (!file) return failure(errno);
+    std::string piece(std::size_t{1} << 17, '\0'); // stays in the cache while it is taken
+    for (;;) {
+        errno = 0;
+        const std::size_t length = std::fread(piece.data(), 1, piece.size(), file.get());
+        if (std::ferror(file.get()) != 0) return failure(errno);
+        if (length == 0 || !take(std::string_view(piece).substr(0, length))) return {};
+    }
+
+} catch (const std::exception&) { // no memory for a piece, or for what is made of it
+
+    return failure(ENOMEM);
+}
+
 FileResult writeFile(const std::string& path, std::string_view content) { return writeThrough(path, "wb", content); }
 
 FileResult appendFile(const std::string& path, std::string_view content) { return writeThrough(path, "ab", content); }

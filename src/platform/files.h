@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <ctime>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,10 @@ std::string programPath(const std::string& calledName);
 
 /// Reads all bytes of a file. On failure `content` is empty.
 FileResult readFile(const std::string& path, std::string& content);
+
+/// Reads a file from its beginning, a piece at a time, until `take` gives false or the file ends. Memory that is short
+/// in `take` counts as a failure of the read.
+FileResult readPieces(const std::string& path, const std::function<bool(std::string_view piece)>& take);
 
 /// Replaces the content of a file, which is created if need be.
 FileResult writeFile(const std::string& path, std::string_view content);

@@ -246,6 +246,31 @@ TEST(recall, withAFaultInTheFileNamesItsPlaceAndTakesNothing) {
     EXPECT_EQ(test.sim.stepCount, 0);
 }
 
+TEST(recall, ofAFileBeyondTheSizeOfAPieceTakesItAndNamesItsFaults) {
+    TestProgram test;
+    const std::string tabs(199, '\t');
+    std::string rows;
+    for (int row = 0; row < 100; ++row) rows += tabs + "\n";
+    test.build("DD 0;1:TT 300:PP 300:RH 1:CP 2" + tabs + "\nL" + tabs + "\n" + rows + "L" + tabs);
+    for (std::int32_t cell = 1; cell <= test.sim.nCells; ++cell)
+        test.sim.stageMomentum(0, cell, 1) = 0.125f * static_cast<float>(cell % 7777);
+    saveState(test.sim, test.ui);
+    const std::string file = test.read("m_state");
+    ASSERT_GT(file.size(), 500000u);
+    const std::vector<float> saved = slotValues(test.sim, committedSlot);
+    for (std::size_t shift = 0; shift < 16; ++shift) { // so that pieces end anywhere in a number
+        ASSERT_THAT(recall(test, std::string(shift, ' ') + file), IsEmpty());
+        ASSERT_EQ(slotValues(test.sim, committedSlot), saved);
+    }
+    EXPECT_THAT(recall(test, file.substr(0, 400000)),
+                ElementsAre(HasSubstr("line 335: the file ends before the mass of species 0 of cell 5491")));
+    EXPECT_THAT(recall(test, replaced(file, " 961 ", " x961 ")),
+                ElementsAre(HasSubstr("the momentum along dimension 1 of cell 7688")));
+    EXPECT_THAT(recall(test, std::string(300000, 'x')), ElementsAre(HasSubstr("line 1: a text that is no number")));
+    EXPECT_THAT(recall(test, std::string(300000, '\n')),
+                ElementsAre(HasSubstr("line 300001: the file ends before the number of cells")));
+}
+
 TEST(recall, insideARunReplacesItsStateAndTheRunGoesOn) {
     TestProgram test;
     run(test, movingTable(9));

@@ -114,6 +114,14 @@ TEST(build, spreadsSizesForwardAndHeightsBothWays) {
     EXPECT_THAT(heights(5, "HH 0;3:HH 3;7"), ElementsAre(1, 1, 1, 1, 3, 1));
 }
 
+TEST(build, takesTheLatestWhereSpreadSizesCross) {
+    TestProgram test;
+    test.build(table("DD 0;0.01", {"HH 1;2:DD -1;2", "HH 2;3:DD -1;3:DD 1;4", "HH 0;4:DD -1;6", "HH 2;5:HH 1;6:DD 1;5",
+                                   "", "HH 0;7:HH 1;8:HH 0;9:DD 1;8:DD -1;7"}));
+    EXPECT_THAT(values(test.sim, test.sim.cellHeight), ElementsAre(6, 3, 8, 6, 5, 9));
+    EXPECT_THAT(values(test.sim, test.sim.cellSize, 1), ElementsAre(2, 4, 6, 5, 3, 7));
+}
+
 TEST(build, walksThePlanesOfAStackOfLayers) {
     TestProgram test;
     test.build("L\t\n\t\n\t\nL\t\nHH 3;2:DD -2;0.5\t\n\tHH 2;7\nL\t");
