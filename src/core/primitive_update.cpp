@@ -35,7 +35,7 @@ void imposeHeldValues(SimState& sim, std::int32_t cell) {
 }
 
 void updatePrimitives(SimState& sim, const Interface& ui) {
-    StagePlan plan = planStages(sim);
+    StagePlan plan = planPrimitives(sim);
     derivePrimitives(sim, ui, plan);
 }
 

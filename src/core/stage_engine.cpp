@@ -5,7 +5,7 @@
 #include "core/source_terms.h"
 
 #include <algorithm>
-#include <bit>
+#include <cstring>
 #include <functional>
 #include <string>
 #include <system_error>
@@ -71,27 +71,42 @@ void planRow(const SimState& sim, StagePlan& plan, std::int64_t row) {
     plan.sourcesOfRow[row + 1] = static_cast<std::int64_t>(plan.sourceCells.size());
 }
 
-/// Finds out whether a coefficient has the same bits in all cells.
-Coefficient planCoefficient(const SimState& sim, StagePlan& plan, const float* cells) {
-    if (sim.nCells == 0) return {cells, false};
-    const auto bits = [&](std::int64_t cell) { return std::bit_cast<std::uint32_t>(cells[cell]); };
-    for (std::int64_t cell = 2; cell <= sim.nCells; ++cell)
-        if (bits(cell) != bits(1)) return {cells, false};
-    plan.uniformRows.emplace_back(static_cast<std::size_t>(plan.rowCells), cells[1]);
-    return {plan.uniformRows.back().data(), true}; // the row's own storage stays where it is when the list grows
+bool sameBits(const float* a, const float* b, int count) {
+    return std::memcmp(a, b, static_cast<std::size_t>(count) * sizeof(float)) == 0;
 }
 
-void planCoefficients(const SimState& sim, StagePlan& plan) {
-    plan.volume = planCoefficient(sim, plan, &sim.cellVolume[0]);
-    plan.capacity = planCoefficient(sim, plan, &sim.heatCapacity[0]);
-    plan.friction = planCoefficient(sim, plan, &sim.friction[0]);
+/// `cells`: cell 0 of the coefficient.
+Coefficient planCoefficient(const StagePlan& plan, const float* cells) {
+    Coefficient coefficient{cells + 1, plan.rowCells, std::vector<std::int32_t>(static_cast<std::size_t>(plan.rows))};
+    for (std::int64_t row = 0; row < plan.rows; ++row) {
+        std::int32_t& sameAs = coefficient.sameAs[static_cast<std::size_t>(row)];
+        sameAs = static_cast<std::int32_t>(row);
+        const float* const here = coefficient.row(row);
+        for (const std::int64_t before : {row - 1, row - plan.sheetRows})
+            if (before >= 0 && sameBits(here, coefficient.row(before), plan.rowCells))
+                sameAs = coefficient.sameAs[static_cast<std::size_t>(before)];
+    }
+    return coefficient;
+}
+
+bool isConstant(const StagePlan& plan, const Coefficient& coefficient, std::int64_t row) {
+    const float* const here = coefficient.row(row);
+    return sameBits(here, here + 1, plan.rowCells - 1);
+}
+
+void planFaceCoefficients(const SimState& sim, StagePlan& plan) {
+    plan.friction = planCoefficient(plan, &sim.friction[0]);
     for (int dim = 1; dim <= sim.nDim; ++dim) {
-        plan.inverseSize.push_back(planCoefficient(sim, plan, sim.inverseSize.component(dim)));
-        plan.area.push_back(planCoefficient(sim, plan, sim.faceArea.component(dim)));
-        plan.conduction.push_back(planCoefficient(sim, plan, sim.conductionCoef.component(dim)));
-        plan.viscous.push_back(planCoefficient(sim, plan, sim.viscousCoef.component(dim)));
-        plan.constant.push_back(plan.capacity.uniform && plan.inverseSize.back().uniform && plan.area.back().uniform
-                                && plan.conduction.back().uniform && plan.viscous.back().uniform);
+        plan.inverseSize.push_back(planCoefficient(plan, sim.inverseSize.component(dim)));
+        plan.area.push_back(planCoefficient(plan, sim.faceArea.component(dim)));
+        plan.conduction.push_back(planCoefficient(plan, sim.conductionCoef.component(dim)));
+        plan.viscous.push_back(planCoefficient(plan, sim.viscousCoef.component(dim)));
+        for (std::int64_t row = 0; row < plan.rows; ++row) {
+            bool constant = isConstant(plan, plan.capacity, row);
+            for (const auto* coefficients : {&plan.inverseSize, &plan.area, &plan.conduction, &plan.viscous})
+                constant = constant && isConstant(plan, coefficients->back(), row);
+            plan.dimensionTraits[row * sim.nDim + dim - 1].constant = constant;
+        }
     }
 }
 
@@ -124,7 +139,8 @@ void setCodes(const SimState& sim, const StagePlan& plan, StageWorkspace& worksp
     p.velocityCodes = workspace.velocityCodes.data();
 }
 
-PreparedRows preparedRows(SimState& sim, const StagePlan& plan, std::int64_t first, int stage) {
+PreparedRows preparedRows(SimState& sim, const StagePlan& plan, std::int64_t row, int stage) {
+    const std::int64_t first = firstCell(plan, row);
     PreparedRows p;
     p.count = plan.rowCells;
     p.forming = stage == 0 ? Forming::none : stage == 1 ? Forming::completed : Forming::trial;
@@ -134,8 +150,8 @@ PreparedRows preparedRows(SimState& sim, const StagePlan& plan, std::int64_t fir
     p.species = conservedRows(sim.stageSpecies, sim.stageWork, 0, first, stage);
     p.energy = conservedRows(sim.stageEnergy, sim.stageWork, 0, first, stage);
     p.momentum = conservedRows(sim.stageMomentum, sim.stageWork, 1, first, stage);
-    p.volume = plan.volume.row(first);
-    p.capacity = plan.capacity.row(first);
+    p.volume = plan.volume.row(row);
+    p.capacity = plan.capacity.row(row);
     p.mass = &sim.cellMass[first];
     p.density = &sim.density[first];
     p.concentrations = {sim.concentration.component(0) + first, sim.concentration.componentStride(), sim.nsMax + 1};
@@ -156,7 +172,7 @@ void noteFaultyCells(const SimState& sim, const StagePlan& plan, StageWorkspace&
 /// The work state of a stage [1..4], or 0: as it stands, and the primitives of a row.
 void prepareRow(SimState& sim, StagePlan& plan, StageWorkspace& workspace, int stage, std::int64_t row) {
     const std::int64_t first = firstCell(plan, row);
-    PreparedRows p = preparedRows(sim, plan, first, stage);
+    PreparedRows p = preparedRows(sim, plan, row, stage);
     setCodes(sim, plan, workspace, row, p);
     // Most rows have no code but the one that closes their end: what it keeps is put back.
     const std::int64_t last = first + plan.rowCells - 1;
@@ -214,20 +230,25 @@ void openFaces(const SlopeRow& r, int dim, std::int64_t cell, int count, std::in
                               sim.velocity.component(dim) + cell, &sim.density[cell], sim.rhoFloor);
 }
 
+/// `below` and `above`: the rows of the neighbours, or the row itself. Along dimension 1 the lower face of a cell is the
+/// upper one of the cell before it, and where they are the same in all cells it matters not which is read.
 void setCoefficients(const SlopeRow& r, int dim, FaceRows& faces, std::int64_t below, std::int64_t above) {
     const StagePlan& plan = r.plan;
-    const auto lower = [&](const Coefficient& coefficient) { return coefficient.row(below); };
-    faces.inverseSize = plan.inverseSize[dim - 1].row(r.first);
-    faces.inverseSizeLower = lower(plan.inverseSize[dim - 1]);
-    faces.conduction = plan.conduction[dim - 1].row(r.first);
-    faces.conductionLower = lower(plan.conduction[dim - 1]);
-    faces.viscous = plan.viscous[dim - 1].row(r.first);
-    faces.viscousLower = lower(plan.viscous[dim - 1]);
-    faces.capacity = plan.capacity.row(r.first);
-    faces.capacityBelow = lower(plan.capacity);
-    faces.capacityAbove = plan.capacity.row(above);
-    faces.area = plan.area[dim - 1].row(r.first);
-    faces.constant = plan.constant[dim - 1];
+    const auto isConstantIn = [&](std::int64_t row) {
+        return plan.dimensionTraits[row * r.sim.nDim + dim - 1].constant;
+    };
+    faces.constant = isConstantIn(r.row) && isConstantIn(below) && isConstantIn(above);
+    const int shift = dim == 1 && !faces.constant ? 1 : 0;
+    faces.inverseSize = plan.inverseSize[dim - 1].row(r.row);
+    faces.inverseSizeLower = plan.inverseSize[dim - 1].row(below) - shift;
+    faces.conduction = plan.conduction[dim - 1].row(r.row);
+    faces.conductionLower = plan.conduction[dim - 1].row(below) - shift;
+    faces.viscous = plan.viscous[dim - 1].row(r.row);
+    faces.viscousLower = plan.viscous[dim - 1].row(below) - shift;
+    faces.capacity = plan.capacity.row(r.row);
+    faces.capacityBelow = plan.capacity.row(below) - shift;
+    faces.capacityAbove = plan.capacity.row(above) + shift;
+    faces.area = plan.area[dim - 1].row(r.row);
 }
 
 /// All components are carried across the faces of every dimension, with no shift to their staggered places.
@@ -261,7 +282,7 @@ void addFacesInRow(const SlopeRow& r) {
         faces.openLower = open - 1;
         faces.openUpper = open;
     }
-    setCoefficients(r, 1, faces, r.first - 1, r.first + 1);
+    setCoefficients(r, 1, faces, r.row, r.row);
     setCarried(r, 1, faces);
     r.plan.kernels->addFaces(faces);
 }
@@ -285,7 +306,7 @@ void addFacesAcross(const SlopeRow& r, int dim) {
         faces.openLower = r.gates(0);
         faces.openUpper = r.gates(1);
     }
-    setCoefficients(r, dim, faces, hasLower ? r.first - stride : r.first, hasUpper ? r.first + stride : r.first);
+    setCoefficients(r, dim, faces, hasLower ? r.row - rowStride : r.row, hasUpper ? r.row + rowStride : r.row);
     setCarried(r, dim, faces);
     r.plan.kernels->addFaces(faces);
 }
@@ -298,7 +319,7 @@ void addDragAndGravity(const SlopeRow& r) {
     p.count = r.plan.rowCells;
     p.slopes = {momentumSlopes.component(1) + r.first, momentumSlopes.componentStride(), sim.nDim};
     p.velocities = {sim.velocity.component(1) + r.first, sim.velocity.componentStride(), sim.nDim};
-    p.friction = r.plan.friction.row(r.first);
+    p.friction = r.plan.friction.row(r.row);
     p.mass = &sim.cellMass[r.first];
     p.gravity = &sim.gravity[1];
     p.held = traits.wholeCodes || traits.closedVelocity;
@@ -401,7 +422,7 @@ namespace {
 
 /// Sheets are the planes of dimensions 1 and 2 where there are more dimensions, else single rows.
 void layOutSheets(const SimState& sim, StagePlan& plan) {
-    const std::int64_t cellsOfStrip = getenv("STRIP") ? atoi(getenv("STRIP")) : 8192; // some 35 fields of them in three sheets are 900 kB
+    constexpr std::int64_t cellsOfStrip = 8192; // of three sheets the ten fields that slopes read take 1 MB
     const bool hasPlanes = sim.nDim > 2 && sim.nCells > 0;
     plan.sheetRows = hasPlanes ? sim.cellCount[2] : 1;
     plan.sheets = plan.rows / plan.sheetRows;
@@ -412,7 +433,10 @@ void layOutSheets(const SimState& sim, StagePlan& plan) {
 
 } // namespace
 
-StagePlan planStages(const SimState& sim, int threads, const RowKernels& kernels) {
+namespace {
+
+/// All of a plan but the coefficients of slopes.
+StagePlan planRows(const SimState& sim, int threads, const RowKernels& kernels) {
     StagePlan plan;
     plan.kernels = &kernels;
     plan.rowCells = sim.nCells > 0 ? sim.cellCount[1] : 1;
@@ -425,7 +449,8 @@ StagePlan planStages(const SimState& sim, int threads, const RowKernels& kernels
     plan.sourcesOfRow.resize(static_cast<std::size_t>(plan.rows + 1));
     plan.thinRow.resize(static_cast<std::size_t>(plan.rows));
     for (std::int64_t row = 0; row < plan.rows; ++row) planRow(sim, plan, row);
-    planCoefficients(sim, plan);
+    plan.volume = planCoefficient(plan, &sim.cellVolume[0]);
+    plan.capacity = planCoefficient(plan, &sim.heatCapacity[0]);
 
     const int wanted = threads > 0 ? threads : suitableThreads(sim.nCells);
     const auto size = static_cast<int>(std::clamp<std::int64_t>(wanted, 1, std::max<std::int64_t>(plan.sheets, 1)));
@@ -442,6 +467,16 @@ StagePlan planStages(const SimState& sim, int threads, const RowKernels& kernels
     }
     return plan;
 }
+
+} // namespace
+
+StagePlan planStages(const SimState& sim, int threads, const RowKernels& kernels) {
+    StagePlan plan = planRows(sim, threads, kernels);
+    planFaceCoefficients(sim, plan);
+    return plan;
+}
+
+StagePlan planPrimitives(const SimState& sim) { return planRows(sim, 0, bestRowKernels()); }
 
 void runStage(SimState& sim, const Interface& ui, StagePlan& plan, int stage) {
     sweepRows(

@@ -28,19 +28,24 @@ struct RowTraits {
     bool closedEnd = false;         ///< the last cell has a positive wallVelocity in dimension 1
 };
 
-/// The same for one dimension of a row's wallVelocity.
+/// The same for one dimension of a row, about its wallVelocity.
 struct DimensionTraits {
-    bool held = false;   ///< some code other than 0
-    bool closed = false; ///< some positive code
+    bool held = false;     ///< some code other than 0
+    bool closed = false;   ///< some positive code
+    bool constant = false; ///< the coefficients of the row's faces along the dimension are the same in all its cells
 };
 
-/// A coefficient of all cells. One that has the same value everywhere is read from a single row, which stays in the
-/// fastest cache, instead of from the cells.
+/// A coefficient of all cells. Rows with the bits of the row before, or of the row one sheet before, are read from that
+/// one, which stays in the fastest cache, instead of from the cells.
 struct Coefficient {
-    const float* cells = nullptr; ///< cell 0; of a uniform one, what stands for the first cell of any row
-    bool uniform = false;
+    const float* firstRow = nullptr;
+    int rowCells = 0;
+    std::vector<std::int32_t> sameAs; ///< [rows] the row to read
 
-    const float* row(std::int64_t first) const { return uniform ? cells : cells + first; }
+    /// `row` [0..rows-1].
+    const float* row(std::int64_t row) const {
+        return firstRow + std::int64_t{sameAs[static_cast<std::size_t>(row)]} * rowCells;
+    }
 };
 
 /// Rows of one thread's own.
@@ -74,9 +79,7 @@ struct StagePlan {
     std::vector<Coefficient> area;
     std::vector<Coefficient> conduction;
     std::vector<Coefficient> viscous;
-    std::vector<bool> constant; ///< [nDim] all coefficients of the faces are uniform
-    std::vector<std::vector<float>> uniformRows; ///< the rows of uniform coefficients
-    std::vector<std::uint8_t> thinRow;           ///< [rows] 1: not all cells are denser than rhoFloor in this stage
+    std::vector<std::uint8_t> thinRow;    ///< [rows] 1: not all cells are denser than rhoFloor in this stage
     std::vector<StageWorkspace> workspaces;      ///< one for each thread
     std::unique_ptr<ThreadTeam> team;
 };
@@ -86,6 +89,9 @@ int suitableThreads(std::int64_t cells);
 
 /// Settles the rows of a model that has been built. `threads` 0: as suits the grid. Throws std::bad_alloc.
 StagePlan planStages(const SimState& sim, int threads = 0, const RowKernels& kernels = bestRowKernels());
+
+/// The same for derivePrimitives alone, which takes less.
+StagePlan planPrimitives(const SimState& sim);
 
 /// One stage [1..4] of a step: the work state, the primitives, the slopes.
 ///   stage 2, 3, 4:  q[5] = q[0] + h k[stage-1],   h = dt/2, dt/2, dt
