@@ -35,10 +35,10 @@ struct ConservedRows {
 struct PreparedRows {
     int count = 0; ///< cells
     Forming forming = Forming::none;
-    double step = 0;          ///< s
-    double gasFactor = 0;     ///< J/(kg K)
-    float densityFloor = 0;   ///< kg/m3
-    bool held = false;        ///< there are code rows
+    double step = 0;        ///< s
+    double gasFactor = 0;   ///< J/(kg K)
+    float densityFloor = 0; ///< kg/m3
+    bool held = false;      ///< there are code rows
     ConservedRows species;
     ConservedRows energy;
     ConservedRows momentum;
@@ -53,20 +53,21 @@ struct PreparedRows {
     const std::int16_t* speciesCode = nullptr;       ///< other than 0 keeps the masses, negative the pressure
     const std::int16_t* energyCode = nullptr;        ///< other than 0 keeps the heat, negative the temperature
     const std::int16_t* concentrationCode = nullptr; ///< negative keeps the concentrations
-    const std::int16_t* const* velocityCodes = nullptr; ///< for each component: other than 0 keeps momentum and velocity
+    const std::int16_t* const* velocityCodes =
+        nullptr; ///< for each component: other than 0 keeps momentum and velocity
 };
 
 /// The faces below and above the cells of a row along one dimension, with what they carry. Each pointer leads to the
-/// value of the first cell, or of its upper face; `...Lower`, `...Below` and `...Above` to the value of the first cell's
-/// lower face or of its neighbour.
+/// value of the first cell, or of its upper face; `...Lower`, `...Below` and `...Above` to the value of the first
+/// cell's lower face or of its neighbour.
 struct FaceRows {
-    int count = 0;          ///< cells
-    int firstWithLower = 0; ///< cells from here on have a lower face
-    int endWithUpper = 0;   ///< cells before this one have an upper face
-    int normal = 0;         ///< the component of momentum that crosses the faces, from 0
-    std::int64_t stride = 0; ///< from a cell to its upper neighbour
-    bool startsSums = false; ///< the slopes begin with these faces, from 0
-    bool constant = false;   ///< all coefficients are the same along the row
+    int count = 0;                           ///< cells
+    int firstWithLower = 0;                  ///< cells from here on have a lower face
+    int endWithUpper = 0;                    ///< cells before this one have an upper face
+    int normal = 0;                          ///< the component of momentum that crosses the faces, from 0
+    std::int64_t stride = 0;                 ///< from a cell to its upper neighbour
+    bool startsSums = false;                 ///< the slopes begin with these faces, from 0
+    bool constant = false;                   ///< all coefficients are the same along the row
     const std::int64_t* openLower = nullptr; ///< all bits: the face carries, 0: it does not; null: all do
     const std::int64_t* openUpper = nullptr; ///< the same; null together with openLower
 

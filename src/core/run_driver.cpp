@@ -137,6 +137,7 @@ void runSimulation(SimState& sim, Interface& ui, const RunOperations& operations
         runStep(sim, ui, operations, *plan);
     } while (sim.stopFlag != 1);
     ui.runEnded();
+    sim.revision += 1; // for a run that was suspended in a yield meanwhile
     sim.runDepth -= 1;
 }
 

@@ -162,10 +162,11 @@ struct SimState {
     std::string graphTitle;
 
     // --- book-keeping of the loop --------------------------------------------------------------------------------
-    int threads = 0;        ///< of a run; 0: as suits the grid and the machine
-    int runDepth = 0;       ///< runs that are under way, each suspended in a yield of the next
-    bool loading = false;   ///< a load is under way
-    bool onlyLooks = false; ///< a program that draws or exports: stop file, log and plot file are left as they are
+    int threads = 0;            ///< of a run; 0: as suits the grid and the machine
+    std::uint64_t revision = 0; ///< raised by whatever writes fields besides the stages of a run
+    int runDepth = 0;           ///< runs that are under way, each suspended in a yield of the next
+    bool loading = false;       ///< a load is under way
+    bool onlyLooks = false;     ///< a program that draws or exports: stop file, log and plot file are left as they are
     RunOutcome outcome;
     ToldFaults told;
     RandomSequence spectrumRandom; ///< goes on from one spectrum to the next

@@ -5,6 +5,7 @@
 #include "core/source_terms.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <functional>
 #include <string>
@@ -124,7 +125,8 @@ ConservedRows conservedRows(Slots& slots, int work, std::int64_t component, std:
     return rows;
 }
 
-void setCodes(const SimState& sim, const StagePlan& plan, StageWorkspace& workspace, std::int64_t row, PreparedRows& p) {
+void setCodes(
+    const SimState& sim, const StagePlan& plan, StageWorkspace& workspace, std::int64_t row, PreparedRows& p) {
     const std::int64_t first = firstCell(plan, row);
     const RowTraits& traits = plan.rowTraits[row];
     if (traits.heldSpecies) p.speciesCode = &sim.wallPressure[first];
@@ -230,8 +232,8 @@ void openFaces(const SlopeRow& r, int dim, std::int64_t cell, int count, std::in
                               sim.velocity.component(dim) + cell, &sim.density[cell], sim.rhoFloor);
 }
 
-/// `below` and `above`: the rows of the neighbours, or the row itself. Along dimension 1 the lower face of a cell is the
-/// upper one of the cell before it, and where they are the same in all cells it matters not which is read.
+/// `below` and `above`: the rows of the neighbours, or the row itself. Along dimension 1 the lower face of a cell is
+/// the upper one of the cell before it, and where they are the same in all cells it matters not which is read.
 void setCoefficients(const SlopeRow& r, int dim, FaceRows& faces, std::int64_t below, std::int64_t above) {
     const StagePlan& plan = r.plan;
     const auto isConstantIn = [&](std::int64_t row) {
@@ -300,7 +302,8 @@ void addFacesAcross(const SlopeRow& r, int dim) {
     faces.stride = stride;
     faces.firstWithLower = hasLower ? 0 : faces.count;
     faces.endWithUpper = hasUpper ? faces.count : 0;
-    if ((hasLower && isGated(r, dim, r.row - rowStride, rowStride)) || (hasUpper && isGated(r, dim, r.row, rowStride))) {
+    if ((hasLower && isGated(r, dim, r.row - rowStride, rowStride))
+        || (hasUpper && isGated(r, dim, r.row, rowStride))) {
         if (hasLower) openFaces(r, dim, r.first - stride, faces.count, r.gates(0));
         if (hasUpper) openFaces(r, dim, r.first, faces.count, r.gates(1));
         faces.openLower = r.gates(0);
@@ -344,6 +347,100 @@ void computeSlopeRow(SimState& sim, const StagePlan& plan, StageWorkspace& works
     }
 }
 
+// --- resting rows ----------------------------------------------------------------------------------------------------
+
+constexpr std::uint8_t allStages = 0b11110;
+
+bool mayRest(const SimState& sim, const StagePlan& plan, std::int64_t row) {
+    const RowTraits& traits = plan.rowTraits[row];
+    bool free = !traits.heldSpecies && !traits.heldEnergy && !traits.heldConcentration
+                && plan.imposedOfRow[row] == plan.imposedOfRow[row + 1]
+                && plan.sourcesOfRow[row] == plan.sourcesOfRow[row + 1];
+    for (int dim = 1; dim <= sim.nDim; ++dim) free = free && !plan.dimensionTraits[row * sim.nDim + dim - 1].held;
+    return free;
+}
+
+void planResting(const SimState& sim, StagePlan& plan) {
+    RestingRows& resting = plan.resting;
+    for (auto* const flags :
+         {&resting.mayRest, &resting.zeroSlopes, &resting.settled, &resting.unchanged, &resting.quiet})
+        flags->assign(static_cast<std::size_t>(plan.rows), 0);
+    for (std::int64_t row = 0; row < plan.rows; ++row) resting.mayRest[row] = mayRest(sim, plan, row) ? 1 : 0;
+    resting.revision = sim.revision;
+}
+
+/// Forgets which rows rest where something else than the stages has written fields.
+void reviewResting(const SimState& sim, StagePlan& plan) {
+    RestingRows& resting = plan.resting;
+    // Radiation changes slopes of cells anywhere, and only a forward step leaves no negative zero behind.
+    const bool possible = resting.enabled && sim.radActive != 1 && sim.dt > 0 && sim.rhoFloor >= 0;
+    if (possible && resting.revision == sim.revision) return;
+    resting.revision = sim.revision;
+    for (auto* const flags : {&resting.zeroSlopes, &resting.settled, &resting.quiet})
+        std::fill(flags->begin(), flags->end(), 0);
+}
+
+/// Forms the state and the primitives of a row, unless it has settled.
+void prepareUnlessSettled(SimState& sim, StagePlan& plan, StageWorkspace& workspace, int stage, std::int64_t row) {
+    RestingRows& resting = plan.resting;
+    resting.unchanged[row] = resting.settled[row];
+    if (resting.settled[row] != 0) return;
+    prepareRow(sim, plan, workspace, stage, row);
+    // Behind a step of zero slopes no value is a negative zero, and adding zeros to such values leaves them as they
+    // are.
+    if (stage == 1 && resting.zeroSlopes[row] == allStages && resting.mayRest[row] != 0 && plan.thinRow[row] == 0)
+        resting.settled[row] = 1;
+}
+
+/// Whether a row and its neighbours stand as in the stage before.
+bool isNeighbourhoodUnchanged(const SimState& sim, const StagePlan& plan, std::int64_t row) {
+    const RestingRows& resting = plan.resting;
+    if (resting.unchanged[row] == 0) return false;
+    const std::int64_t first = firstCell(plan, row);
+    for (int dim = 2; dim <= sim.nDim; ++dim) {
+        const std::int64_t rowStride = sim.cellStride[dim] / plan.rowCells;
+        const double place = cellCoordinate(sim, static_cast<std::int32_t>(first), dim);
+        if (place > 0 && resting.unchanged[row - rowStride] == 0) return false;
+        if (place < sim.cellCount[dim] - 1 && resting.unchanged[row + rowStride] == 0) return false;
+    }
+    return true;
+}
+
+bool isPositiveZero(const float* values, int count) {
+    return std::bit_cast<std::uint32_t>(values[0]) == 0 && sameBits(values, values + 1, count - 1);
+}
+
+bool hasZeroSlopes(const SimState& sim, const StagePlan& plan, int stage, std::int64_t row) {
+    const std::int64_t first = firstCell(plan, row);
+    bool zero = isPositiveZero(sim.stageEnergy.slot(stage).component(0) + first, plan.rowCells);
+    for (int species = 0; zero && species <= sim.nsMax; ++species)
+        zero = isPositiveZero(sim.stageSpecies.slot(stage).component(species) + first, plan.rowCells);
+    for (int dim = 1; zero && dim <= sim.nDim; ++dim)
+        zero = isPositiveZero(sim.stageMomentum.slot(stage).component(dim) + first, plan.rowCells);
+    return zero;
+}
+
+/// Computes the slopes of a row, unless those of all stages have been computed from the values that stand.
+void computeSlopesUnlessQuiet(SimState& sim, StagePlan& plan, StageWorkspace& workspace, int stage, std::int64_t row) {
+    RestingRows& resting = plan.resting;
+    std::uint8_t& quiet = resting.quiet[row];
+    if (!isNeighbourhoodUnchanged(sim, plan, row))
+        quiet = 0;
+    else if (quiet == 4)
+        return;
+    else
+        quiet += 1;
+    computeSlopeRow(sim, plan, workspace, stage, row);
+    if (resting.mayRest[row] == 0) return;
+    const auto bit = static_cast<std::uint8_t>(1 << stage);
+    if (hasZeroSlopes(sim, plan, stage, row)) {
+        resting.zeroSlopes[row] |= bit;
+    } else {
+        resting.zeroSlopes[row] &= static_cast<std::uint8_t>(~bit);
+        resting.settled[row] = 0;
+    }
+}
+
 // --- rows and threads ------------------------------------------------------------------------------------------------
 
 /// The sheets [begin .. end - 1] of one thread, and those of them whose slopes read no sheet of another thread.
@@ -369,8 +466,8 @@ void forRows(const StagePlan& plan, std::int64_t sheet, std::int64_t from, std::
 }
 
 /// Prepares a strip of rows in all sheets of a share, and finishes behind it what can be: sheets `reach` back, and one
-/// row back within a sheet, since the next strip prepares the neighbours of the last row. Rows are prepared and finished
-/// in turn, so that the processor fetches the next ones to prepare while it works on slopes.
+/// row back within a sheet, since the next strip prepares the neighbours of the last row. Rows are prepared and
+/// finished in turn, so that the processor fetches the next ones to prepare while it works on slopes.
 template <class Prepare, class Finish>
 void sweepStrip(const StagePlan& plan,
                 const Share& share,
@@ -473,18 +570,20 @@ StagePlan planRows(const SimState& sim, int threads, const RowKernels& kernels) 
 StagePlan planStages(const SimState& sim, int threads, const RowKernels& kernels) {
     StagePlan plan = planRows(sim, threads, kernels);
     planFaceCoefficients(sim, plan);
+    planResting(sim, plan);
     return plan;
 }
 
 StagePlan planPrimitives(const SimState& sim) { return planRows(sim, 0, bestRowKernels()); }
 
 void runStage(SimState& sim, const Interface& ui, StagePlan& plan, int stage) {
+    reviewResting(sim, plan);
     sweepRows(
         plan,
+        [&](StageWorkspace& workspace, std::int64_t row) { prepareUnlessSettled(sim, plan, workspace, stage, row); },
         [&](StageWorkspace& workspace, std::int64_t row) {
-            prepareRow(sim, plan, workspace, stage, row);
-        },
-        [&](StageWorkspace& workspace, std::int64_t row) { computeSlopeRow(sim, plan, workspace, stage, row); });
+            computeSlopesUnlessQuiet(sim, plan, workspace, stage, row);
+        });
     tellFaultyCells(sim, ui, plan);
     if (sim.radActive == 1) radiationPairs(sim, stage);
 }

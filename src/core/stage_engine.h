@@ -51,14 +51,27 @@ struct Coefficient {
 /// Rows of one thread's own.
 struct StageWorkspace {
     std::vector<const std::int16_t*> velocityCodes; ///< of the row in hand, for each component; null: nothing is held
-    std::vector<std::int64_t> openFaces;   ///< whether the lower and the upper faces of a row carry
-    std::vector<std::int32_t> faultyCells; ///< cells whose density is not at least 0, in this stage
+    std::vector<std::int64_t> openFaces;            ///< whether the lower and the upper faces of a row carry
+    std::vector<std::int32_t> faultyCells;          ///< cells whose density is not at least 0, in this stage
+};
+
+/// Rows where nothing happens, by flags of each row. Gas that is exactly uniform and at rest has slopes of exactly
+/// zero; a row whose slopes are zero in all stages keeps its state and primitives to the bit, and one whose neighbours
+/// keep theirs too would find the same slopes again: neither needs to be computed until a wave comes in.
+struct RestingRows {
+    std::vector<std::uint8_t> mayRest;    ///< no wall code but a closed end, no sink, no exchange
+    std::vector<std::uint8_t> zeroSlopes; ///< a bit for each stage [1..4]: all slopes are positive zeros
+    std::vector<std::uint8_t> settled;    ///< forming the state again would change nothing
+    std::vector<std::uint8_t> unchanged;  ///< nothing was formed in this stage
+    std::vector<std::uint8_t> quiet;      ///< stages in which the slopes followed from the same values, up to 4
+    std::uint64_t revision = 0;           ///< SimState::revision when the flags were right
+    bool enabled = true;
 };
 
 /// What all stages of a run share: it follows from the model and stays until the next build.
 struct StagePlan {
     const RowKernels* kernels = nullptr;
-    int rowCells = 0; ///< cells of a row
+    int rowCells = 0;             ///< cells of a row
     std::int64_t paddedCells = 0; ///< length of a row of a workspace
     std::int64_t rows = 0;
     std::int64_t sheetRows = 1; ///< rows of a sheet: a plane of dimensions 1 and 2 where there are more, else one row
@@ -79,8 +92,9 @@ struct StagePlan {
     std::vector<Coefficient> area;
     std::vector<Coefficient> conduction;
     std::vector<Coefficient> viscous;
-    std::vector<std::uint8_t> thinRow;    ///< [rows] 1: not all cells are denser than rhoFloor in this stage
-    std::vector<StageWorkspace> workspaces;      ///< one for each thread
+    std::vector<std::uint8_t> thinRow; ///< [rows] 1: not all cells are denser than rhoFloor in this stage
+    RestingRows resting;
+    std::vector<StageWorkspace> workspaces; ///< one for each thread
     std::unique_ptr<ThreadTeam> team;
 };
 

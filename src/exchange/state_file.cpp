@@ -244,6 +244,7 @@ bool recallState(SimState& sim, Interface& ui) {
     const std::string fault = faultOfState(reader, sim);
     if (!fault.empty()) return fail(fault);
     takeState(sim, reader.values);
+    sim.revision += 1;
     sim.stepCount = reader.stepCount;
     updatePrimitives(sim, ui);
     return true;

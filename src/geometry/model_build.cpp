@@ -447,6 +447,7 @@ void emptyLog(SimState& sim, const Interface& ui) {
 } // namespace
 
 void buildModel(SimState& sim, Interface& ui) {
+    sim.revision += 1;
     if (sim.nDim == 0) {
         ui.showMessage("select an input geometry first");
         return;

@@ -3,7 +3,7 @@
 #include <new>
 
 #ifdef __linux__
-#include <sys/mman.h>
+#    include <sys/mman.h>
 #endif
 
 namespace norvane {

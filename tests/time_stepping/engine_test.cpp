@@ -162,5 +162,53 @@ TEST(engine, givesTheBitsOfThePlainEvaluation) {
     EXPECT_EQ(dimensionsSeen, 0b111110) << "all of one to five dimensions";
 }
 
+/// Uniform gas at rest with a hot cell: rows rest until the wave comes in, and the bits are those of the plain
+/// evaluation.
+void compareWaveInRestingGas(const std::string& table, int threads) {
+    TestProgram test;
+    test.build(table);
+    ASSERT_GT(test.sim.nCells, 0);
+    test.sim.stageWork = workSlot;
+    SimState plainly = test.sim;
+    StagePlan plan = planStages(test.sim, threads);
+    std::int64_t mostResting = 0;
+    for (int step = 1; step <= 12; ++step)
+        for (int stage = 1; stage <= 4; ++stage) {
+            runStage(test.sim, test.ui, plan, stage);
+            plain::formWorkState(plainly, stage);
+            plain::updatePrimitives(plainly, test.ui);
+            plain::computeSlopes(plainly, stage);
+            ASSERT_EQ(difference(test.sim, plainly), "") << "step " << step << ", stage " << stage;
+            const auto& quiet = plan.resting.quiet;
+            mostResting = std::max<std::int64_t>(mostResting, std::count(quiet.begin(), quiet.end(), 4));
+            if (step == 10 && stage == 2) { // a field is written from outside, as by a recall in a yield
+                for (SimState* const sim : {&test.sim, &plainly}) {
+                    sim->temperature[sim->nCells - 3] = 400;
+                    sim->stageEnergy(committedSlot, sim->nCells - 3) *= 1.5f;
+                    sim->revision += 1;
+                }
+            }
+        }
+    EXPECT_GT(mostResting, plan.rows / 4) << "nothing rested: the test compares nothing new";
+    EXPECT_LT(std::count(plan.resting.quiet.begin(), plan.resting.quiet.end(), 4), mostResting) << "no wave came in";
+}
+
+TEST(engine, restsWhereNothingHappensUntilAWaveComes) {
+    const std::string hot = ".TT 900:PP 5E5\t.\t.\t.\t.\n";
+    std::string plane = "DT 1E-5:DD 0;0.01:LA 5:ET 0.1\t\t\t\t\nL\t\t\t\t\n" + hot;
+    for (int row = 0; row < 70; ++row) plane += row == 60 ? ".WV 0;1\t.WT -1\t\t\t\n" : "\t\t\t\t\n";
+    plane += "L\t\t\t\t";
+    std::string room = "DT 1E-5:DD 0;0.01\t\t\t\t\nL\t\t\t\t\n";
+    for (int layer = 0; layer < 12; ++layer) {
+        for (int row = 0; row < 9; ++row) room += layer == 0 && row == 0 ? hot : "\t\t\t\t\n";
+        room += "L\t\t\t\t";
+        if (layer < 11) room += "\n";
+    }
+    for (int threads = 1; threads <= 3; ++threads) {
+        compareWaveInRestingGas(plane, threads);
+        compareWaveInRestingGas(room, threads);
+    }
+}
+
 } // namespace
 } // namespace norvane
