@@ -1,4 +1,4 @@
-// Speed of a run and of a load, on grids of one, two and three dimensions.
+// Speed of the stages of a run: the plain evaluation, the engine on one thread and on two, in turn on the same model.
 
 #include "core/stage_engine.h"
 #include "geometry/grid_file.h"
@@ -7,135 +7,207 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <string>
+#include <vector>
 
 namespace norvane {
 namespace {
 
-/// A grid of gas at rest with a pressure step across it, so that everything moves.
-std::string table(int columns, int rows, int layers) {
-    std::string text = "DT 1E-6:UT 0";
-    text.append(static_cast<std::size_t>(columns - 1), '\t');
-    const std::string layerMark = "\nL" + std::string(static_cast<std::size_t>(columns - 1), '\t');
-    std::string row = "\n";
-    for (int column = 0; column < columns; ++column) {
-        if (column > 0) row += '\t';
-        if (column < columns / 2) row += "PP 11E4";
-    }
-    text += layerMark;
+/// What grids hold besides one species of gas.
+enum Kind {
+    uniform,
+    ownCoefficients, ///< coefficients differ from cell to cell
+    walled,          ///< walls and held cells in every third row, two species
+};
+
+std::string table(int columns, int rows, int layers, Kind kind) {
+    std::string text = kind == walled ? "NS 1:DT 1E-6:CC 1;0.3" : "DT 1E-6";
+    const std::string tabs(static_cast<std::size_t>(columns - 1), '\t');
+    text += tabs + "\nL" + tabs;
     for (int layer = 0; layer < layers; ++layer) {
-        for (int k = 0; k < rows; ++k) text += row;
-        text += layerMark;
+        for (int row = 0; row < rows; ++row) text += "\n" + tabs;
+        text += "\nL" + tabs;
     }
     return text;
 }
 
+/// A built model in a folder of its own, which is also the working directory: a build writes its stop file there.
 struct Model {
     SimState sim;
     Interface ui;
+    std::filesystem::path folder = std::filesystem::temp_directory_path() / "norvane-run-bench";
+    std::filesystem::path formerDirectory = std::filesystem::current_path();
+
+    Model(int columns, int rows, int layers, Kind kind) {
+        std::filesystem::create_directories(folder);
+        std::filesystem::current_path(folder);
+        std::ofstream("bench.gmt", std::ios::binary) << table(columns, rows, layers, kind);
+        ui.showMessage = [](const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); };
+        ui.NV_in.Dir1.path = folder.string();
+        ui.NV_in.File1.selected = "bench.gmt";
+        sim.batchMode = 1; // without the message about the cells
+        loadGeometry(sim, ui);
+        buildModel(sim, ui);
+        sim.stageWork = workSlot;
+    }
+
+    ~Model() {
+        std::error_code ignored;
+        std::filesystem::current_path(formerDirectory, ignored);
+        std::filesystem::remove_all(folder, ignored);
+    }
+
+    Model(const Model&) = delete;
+    Model& operator=(const Model&) = delete;
 };
 
-/// Loads from a folder of its own, which is also the working directory: a build writes its stop file there.
-void load(Model& model, int columns, int rows, int layers) {
-    const std::filesystem::path folder = std::filesystem::temp_directory_path() / "norvane-bench";
-    std::filesystem::create_directories(folder);
-    std::filesystem::current_path(folder);
-    std::ofstream("bench.gmt", std::ios::binary) << table(columns, rows, layers);
-    model.ui.NV_in.Dir1.path = folder.string();
-    model.ui.NV_in.File1.selected = "bench.gmt";
-    loadGeometry(model.sim, model.ui);
+void giveOwnCoefficients(SimState& sim, std::int32_t cell) {
+    const float factor = 1 + 0.001f * static_cast<float>(cell % 97);
+    sim.heatCapacity[cell] *= factor;
+    for (int dim = 1; dim <= sim.nDim; ++dim) {
+        sim.inverseSize(cell, dim) *= factor;
+        sim.faceArea(cell, dim) *= factor;
+        sim.conductionCoef(cell, dim) *= factor;
+        sim.viscousCoef(cell, dim) *= factor;
+    }
 }
 
-/// Grids by their shapes, and what they hold besides gas.
-enum Kind { uniform, mixed, walls };
+void layWalls(SimState& sim, std::int32_t cell) {
+    if ((cell - 1) / sim.cellCount[1] % 3 != 0) return;
+    if (cell % 11 < 3) sim.wallVelocity(cell, 1) = 1;
+    if (cell % 29 == 0) sim.wallTemperature[cell] = -1;
+}
 
-/// Gives every cell coefficients of its own, or lays walls and held cells into every third row.
-void vary(SimState& sim, Kind kind) {
+/// Gas that moves everywhere by some metres a second, so that every term has something to do.
+void setInMotion(SimState& sim, std::int32_t cell) {
+    const double row = (cell - 1) / sim.cellCount[1];
+    for (int dim = 1; dim <= sim.nDim; ++dim)
+        if (sim.wallVelocity(cell, dim) == 0)
+            sim.stageMomentum(committedSlot, cell, dim) =
+                static_cast<float>(sim.cellMass[cell] * 10 * std::sin(0.01 * cell * dim + row));
+}
+
+void plainStep(Model& model) {
+    for (int stage = 1; stage <= 4; ++stage) {
+        plain::formWorkState(model.sim, stage);
+        plain::updatePrimitives(model.sim, model.ui);
+        plain::computeSlopes(model.sim, stage);
+    }
+    model.sim.revision += 1;
+}
+
+void engineStep(Model& model, StagePlan& plan) {
+    for (int stage = 1; stage <= 4; ++stage) runStage(model.sim, model.ui, plan, stage);
+}
+
+/// Cells times steps a second.
+double rateOf(const SimState& sim, int steps, const std::function<void()>& step) {
+    const auto start = std::chrono::steady_clock::now();
+    for (int k = 0; k < steps; ++k) step();
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+    return double(sim.nCells) * steps / time.count();
+}
+
+double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+/// Each iteration measures all ways one behind the other; the gains are medians of what the rounds give.
+void compareWays(benchmark::State& state, int columns, int rows, int layers, Kind kind) {
+    Model model(columns, rows, layers, kind);
+    SimState& sim = model.sim;
     for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
-        const float factor = 1 + 0.001f * static_cast<float>(cell % 97);
-        if (kind == mixed) sim.heatCapacity[cell] *= factor;
-        for (int dim = 1; kind == mixed && dim <= sim.nDim; ++dim) {
-            sim.inverseSize(cell, dim) *= factor;
-            sim.faceArea(cell, dim) *= factor;
-            sim.conductionCoef(cell, dim) *= factor;
-            sim.viscousCoef(cell, dim) *= factor;
-        }
-        const std::int32_t row = (cell - 1) / sim.cellCount[1];
-        if (kind == walls && row % 3 == 0 && cell % 11 < 3) sim.wallVelocity(cell, 1) = 1;
-        if (kind == walls && row % 3 == 0 && cell % 29 == 0) sim.wallTemperature[cell] = -1;
+        if (kind == ownCoefficients) giveOwnCoefficients(sim, cell);
+        if (kind == walled) layWalls(sim, cell);
+        setInMotion(sim, cell);
     }
-}
-
-void countCellSteps(benchmark::State& state, const SimState& sim) {
-    const auto cellSteps = static_cast<double>(state.iterations()) * sim.nCells;
-    state.counters["cell-steps/s"] = benchmark::Counter(cellSteps, benchmark::Counter::kIsRate);
-}
-
-void loadModel(benchmark::State& state, Model& model) {
-    load(model, static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), static_cast<int>(state.range(2)));
-    buildModel(model.sim, model.ui);
-    vary(model.sim, static_cast<Kind>(state.range(3)));
-    model.sim.stageWork = workSlot;
-}
-
-void plainSteps(benchmark::State& state) {
-    Model model;
-    loadModel(state, model);
+    StagePlan alone = planStages(sim, 1);
+    StagePlan together = planStages(sim, 2);
+    const int plainSteps = std::max(1, 500'000 / sim.nCells);
+    const int engineSteps = std::max(2, 5'000'000 / sim.nCells);
+    std::vector<double> plain, one, two, gain, gainOfTwo;
     for (auto _ : state) {
-        for (int stage = 1; stage <= 4; ++stage) {
-            plain::formWorkState(model.sim, stage);
-            plain::updatePrimitives(model.sim, model.ui);
-            plain::computeSlopes(model.sim, stage);
-        }
+        plain.push_back(rateOf(sim, plainSteps, [&] { plainStep(model); }));
+        one.push_back(rateOf(sim, engineSteps, [&] { engineStep(model, alone); }));
+        two.push_back(rateOf(sim, engineSteps, [&] { engineStep(model, together); }));
+        gain.push_back(one.back() / plain.back());
+        gainOfTwo.push_back(two.back() / one.back());
+        state.SetIterationTime(sim.nCells / one.back());
     }
-    countCellSteps(state, model.sim);
+    state.SetLabel(alone.kernels->name);
+    state.counters["plain"] = median(plain);
+    state.counters["1 thread"] = median(one);
+    state.counters["gain"] = median(gain);
+    state.counters["2 threads"] = median(two);
+    state.counters["gain of 2"] = median(gainOfTwo);
 }
 
-/// The last argument is the number of threads.
-void engineSteps(benchmark::State& state) {
-    Model model;
-    loadModel(state, model);
-    StagePlan plan = planStages(model.sim, static_cast<int>(state.range(4)));
-    for (auto _ : state)
-        for (int stage = 1; stage <= 4; ++stage) runStage(model.sim, model.ui, plan, stage);
-    state.SetLabel(plan.kernels->name);
-    countCellSteps(state, model.sim);
+/// A ball of hot gas in the middle, a quarter as wide as the grid.
+void heatBall(SimState& sim) {
+    for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
+        double squares = 0;
+        for (int dim = 1; dim <= sim.nDim; ++dim) {
+            const double middle = 0.5 * sim.cellCount[dim];
+            const double distance = (cell - 1) % sim.cellStride[dim + 1] / sim.cellStride[dim] - middle;
+            squares += distance * distance / (middle * middle);
+        }
+        if (squares < 0.25 * 0.25) sim.stageEnergy(committedSlot, cell) *= 3;
+    }
 }
 
-/// A grid both ways, in turn.
-void registerGrid(const std::string& name, int columns, int rows, int layers, Kind kind) {
-    benchmark::RegisterBenchmark(("plain/" + name).c_str(), plainSteps)
-        ->Args({columns, rows, layers, kind})
+/// A hot ball in quiet gas, ten steps on: all rows, and all but those that rest.
+void leaveOutRestingRows(benchmark::State& state) {
+    Model model(128, 128, 128, uniform);
+    heatBall(model.sim);
+    SimState other = model.sim;
+    StagePlan resting = planStages(model.sim, 1);
+    StagePlan restless = planStages(other, 1);
+    restless.resting.enabled = false;
+    const auto step = [&](SimState& sim, StagePlan& plan) {
+        for (int stage = 1; stage <= 4; ++stage) runStage(sim, model.ui, plan, stage);
+    };
+    for (int k = 0; k < 10; ++k) step(model.sim, resting);
+    for (int k = 0; k < 10; ++k) step(other, restless);
+    std::vector<double> with, without, gain;
+    for (auto _ : state) {
+        with.push_back(rateOf(model.sim, 1, [&] { step(model.sim, resting); }));
+        without.push_back(rateOf(other, 1, [&] { step(other, restless); }));
+        gain.push_back(with.back() / without.back());
+        state.SetIterationTime(model.sim.nCells / with.back());
+    }
+    state.counters["all rows"] = median(without);
+    state.counters["without resting rows"] = median(with);
+    state.counters["gain"] = median(gain);
+}
+
+constexpr int rounds = 7;
+
+void registerCase(const std::string& name, int columns, int rows, int layers, Kind kind) {
+    benchmark::RegisterBenchmark(("run/" + name).c_str(), compareWays, columns, rows, layers, kind)
+        ->UseManualTime()
+        ->Iterations(rounds)
         ->Unit(benchmark::kMillisecond);
-    for (const int threads : {1, 2})
-        benchmark::RegisterBenchmark(("engine/" + name + "/threads").c_str(), engineSteps)
-            ->Args({columns, rows, layers, kind, threads})
-            ->UseRealTime()
-            ->Unit(benchmark::kMillisecond);
 }
 
 const bool registered = [] {
-    registerGrid("1-D", 10000, 1, 1, uniform);
-    registerGrid("2-D", 64, 64, 1, uniform);
-    registerGrid("2-D", 1024, 1024, 1, uniform);
-    registerGrid("3-D", 128, 128, 128, uniform);
-    registerGrid("3-D mixed", 128, 128, 128, mixed);
-    registerGrid("2-D walls", 1024, 1024, 1, walls);
+    registerCase("3-D 128 x 128 x 128", 128, 128, 128, uniform);
+    registerCase("3-D, coefficients of each cell's own", 128, 128, 128, ownCoefficients);
+    registerCase("2-D 1024 x 1024", 1024, 1024, 1, uniform);
+    registerCase("2-D, walls, held cells, two species", 1024, 1024, 1, walled);
+    registerCase("2-D 64 x 64", 64, 64, 1, uniform);
+    registerCase("1-D 10000", 10000, 1, 1, uniform);
     return true;
 }();
 
-void loadAndBuild(benchmark::State& state) {
-    for (auto _ : state) {
-        Model model;
-        load(model, static_cast<int>(state.range(0)), static_cast<int>(state.range(0)), 1);
-        buildModel(model.sim, model.ui);
-        benchmark::DoNotOptimize(model.sim.cellVolume[1]);
-    }
-}
-
-BENCHMARK(loadAndBuild)->Arg(500)->Arg(2000)->Unit(benchmark::kMillisecond);
+BENCHMARK(leaveOutRestingRows)->UseManualTime()->Iterations(rounds)->Unit(benchmark::kMillisecond);
 
 } // namespace
 } // namespace norvane
