@@ -22,7 +22,7 @@ struct Face {
     std::int32_t neighbour; ///< the cell across the face
     std::int32_t lower;     ///< the cell below the face, which owns its momentum
     std::int32_t donor;     ///< the cell that the flow comes from
-    double massFlow;        ///< kg/s into the visiting cell
+    double massFlow; ///< kg/s upwards: into the visiting cell through its lower face, out of it through the upper
 };
 
 Face locateFace(const SimState& sim, std::int32_t cell, int faceIndex) {
@@ -40,29 +40,33 @@ Face locateFace(const SimState& sim, std::int32_t cell, int faceIndex) {
     face.donor = sim.velocity(face.lower, face.dim) > 0 ? face.lower : upper;
     face.advects = sim.wallVelocity(face.lower, face.dim) <= 0 && sim.density[face.donor] > sim.rhoFloor;
 
-    const double inverseLength = sim.inverseSize(face.lower, face.dim);
-    const double momentum = sim.stageMomentum(workSlot, face.lower, face.dim);
-    face.massFlow = (face.isUpper ? -inverseLength : inverseLength) * momentum;
+    face.massFlow =
+        double(sim.inverseSize(face.lower, face.dim)) * double(sim.stageMomentum(workSlot, face.lower, face.dim));
     return face;
+}
+
+/// Adds what a face brings. A subtraction, not the addition of a negative, leaves the sign of a NaN as it is.
+void carry(float& slope, const Face& face, double amount) {
+    slope = static_cast<float>(face.isUpper ? double(slope) - amount : double(slope) + amount);
 }
 
 void addSpeciesAdvection(SimState& sim, int stage, std::int32_t cell, const Face& face) {
     for (int species = 0; species <= sim.nsMax; ++species)
-        accumulate(sim.stageSpecies(stage, species, cell),
-                   face.massFlow * double(sim.concentration(face.donor, species)));
+        carry(sim.stageSpecies(stage, species, cell), face,
+              face.massFlow * double(sim.concentration(face.donor, species)));
 }
 
 void addHeatAdvection(SimState& sim, int stage, std::int32_t cell, const Face& face) {
     if (sim.wallTemperature[cell] > 0) return;
-    accumulate(sim.stageEnergy(stage, cell),
-               face.massFlow * double(sim.heatCapacity[face.donor]) * double(sim.temperature[face.donor]));
+    carry(sim.stageEnergy(stage, cell), face,
+          face.massFlow * double(sim.heatCapacity[face.donor]) * double(sim.temperature[face.donor]));
 }
 
 /// All components are carried across the faces of every dimension, with no shift to their staggered places.
 void addMomentumAdvection(SimState& sim, int stage, std::int32_t cell, const Face& face) {
     for (int dim = 1; dim <= sim.nDim; ++dim) {
         if (sim.wallVelocity(cell, dim) > 0) continue;
-        accumulate(sim.stageMomentum(stage, cell, dim), face.massFlow * double(sim.velocity(face.donor, dim)));
+        carry(sim.stageMomentum(stage, cell, dim), face, face.massFlow * double(sim.velocity(face.donor, dim)));
     }
 }
 
@@ -110,7 +114,7 @@ void addDragAndGravity(SimState& sim, int stage, std::int32_t cell) {
     for (int dim = 1; dim <= sim.nDim; ++dim) {
         float& slope = sim.stageMomentum(stage, cell, dim);
         if (sim.wallVelocity(cell, dim) <= 0)
-            accumulate(slope, -(double(sim.velocity(cell, dim)) * double(sim.friction[cell])));
+            slope = static_cast<float>(double(slope) - double(sim.velocity(cell, dim)) * double(sim.friction[cell]));
         accumulate(slope, double(sim.gravity[dim]) * double(sim.cellMass[cell]));
     }
 }

@@ -14,10 +14,17 @@
 namespace norvane {
 namespace {
 
-/// Equal bits; all NaNs count as equal, since the order of the operands of a sum, which the language leaves to the
-/// compiler, decides which of two NaNs goes on.
+// Which of two NaNs goes on from a sum follows from the order of its operands, which the language leaves to the
+// compiler. GCC, when it optimises, keeps the one of the formulas in both evaluations.
+#if defined(__OPTIMIZE__) && !defined(__clang__)
+constexpr bool allNaNsAreEqual = false;
+#else
+constexpr bool allNaNsAreEqual = true;
+#endif
+
+/// The sign of a zero counts.
 bool sameBits(float a, float b) {
-    return std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b) || (a != a && b != b);
+    return std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b) || (allNaNsAreEqual && a != a && b != b);
 }
 
 /// Names the first field and cell that differ; empty where all agree.
