@@ -510,7 +510,7 @@ void sweepRows(StagePlan& plan, const Prepare& prepare, const Finish& finish) {
 } // namespace
 
 int suitableThreads(std::int64_t cells) {
-    constexpr std::int64_t cellsForAThread = 8192; // fewer cost more in meetings than they gain
+    constexpr std::int64_t cellsForAThread = 4096; // fewer cost more in meetings than they gain
     const auto cores = static_cast<std::int64_t>(std::thread::hardware_concurrency());
     return static_cast<int>(std::clamp<std::int64_t>(cells / cellsForAThread, 1, std::max<std::int64_t>(cores, 1)));
 }
