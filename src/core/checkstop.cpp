@@ -1,7 +1,6 @@
 #include "core/checkstop.h"
 
 #include "core/number_text.h"
-#include "platform/files.h"
 
 #include <algorithm>
 #include <string>
@@ -24,6 +23,19 @@ int readStopValue() {
     return length == item.size() ? toInt16(value) : 0;
 }
 
+int watchedStopValue(StopFileWatch& watch) {
+    const FileStamp stamp = stampOf(stopFileName);
+    const auto now = StopFileWatch::Clock::now(); // behind the stamp and before the read
+    const bool sameStamp = stamp == watch.stamp;
+    if (sameStamp && watch.readAt - watch.stampMet > watch.settling && now - watch.readAt < watch.trusted)
+        return watch.value;
+    if (!sameStamp) watch.stampMet = now;
+    watch.stamp = stamp;
+    watch.readAt = now;
+    watch.value = stamp.exists ? readStopValue() : 0;
+    return watch.value;
+}
+
 } // namespace
 
 void clearCheckstop(SimState& sim, const Interface& ui) {
@@ -35,8 +47,8 @@ void clearCheckstop(SimState& sim, const Interface& ui) {
                    + ".\r\nThe run goes on, but an outside process can't stop it through that file.");
 }
 
-void pollCheckstop(SimState& sim, Interface& ui, const RunOperations& operations) {
-    if (readStopValue() != 1) return;
+void pollCheckstop(SimState& sim, Interface& ui, const RunOperations& operations, StopFileWatch& watch) {
+    if (watchedStopValue(watch) != 1) return;
     if (operations.showExitQuestion) operations.showExitQuestion(sim, ui);
     sim.stopFlag = 1;
     sim.outcome.stopFile = true;

@@ -11,6 +11,7 @@
 #include <new>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace norvane {
 
@@ -58,9 +59,15 @@ void call(const std::function<void(SimState&, Interface&)>& operation, SimState&
     if (operation) operation(sim, ui);
 }
 
+/// What a run keeps from step to step beside the model.
+struct Run {
+    StagePlan plan;
+    StopFileWatch stopFile;
+};
+
 /// What follows the stages of a step. A stop that arrives behind the log line ends the run without a further plot or
 /// line.
-void runSchedule(SimState& sim, Interface& ui, const RunOperations& operations) {
+void runSchedule(SimState& sim, Interface& ui, const RunOperations& operations, Run& run) {
     if (sim.stepCount >= sim.stopStep && sim.stopStep >= 0) {
         sim.stopFlag = 1;
         sim.outcome.reachedStopStep = true;
@@ -74,17 +81,17 @@ void runSchedule(SimState& sim, Interface& ui, const RunOperations& operations) 
     }
     if (sim.logEvery > 0 && (isDue(sim, sim.logEvery, 0) || sim.stopFlag == 1)) writeLogLine(sim, ui);
     ui.yieldToInterface();
-    pollCheckstop(sim, ui, operations);
+    pollCheckstop(sim, ui, operations, run.stopFile);
 }
 
-void runStep(SimState& sim, Interface& ui, const RunOperations& operations, StagePlan& plan) {
+void runStep(SimState& sim, Interface& ui, const RunOperations& operations, Run& run) {
     ui.stepBegan();
     if (sim.stepCount < std::numeric_limits<std::int32_t>::max()) sim.stepCount += 1;
     for (int stage = 1; stage <= 4; ++stage) {
         ui.yieldToInterface();
-        runStage(sim, ui, plan, stage);
+        runStage(sim, ui, run.plan, stage);
     }
-    runSchedule(sim, ui, operations);
+    runSchedule(sim, ui, operations, run);
 }
 
 bool nestsTooDeep(const SimState& sim, const Interface& ui) {
@@ -129,12 +136,13 @@ void runSimulation(SimState& sim, Interface& ui, const RunOperations& operations
     tellSkippedPairs(sim, ui);
     std::optional<StagePlan> plan = planRun(sim, ui);
     if (!plan) return;
+    Run run{std::move(*plan), {}};
     sim.stageWork = workSlot;
     sim.stopFlag = 0;
     sim.runDepth += 1;
     ui.runBegan();
     do {
-        runStep(sim, ui, operations, *plan);
+        runStep(sim, ui, operations, run);
     } while (sim.stopFlag != 1);
     ui.runEnded();
     sim.revision += 1; // for a run that was suspended in a yield meanwhile

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -14,6 +15,7 @@
 #    include <io.h>
 #    include <windows.h>
 #else
+#    include <sys/stat.h>
 #    include <unistd.h>
 #endif
 
@@ -268,6 +270,30 @@ std::vector<std::string> listFiles(const std::string& folder, const std::string&
     }
     std::sort(names.begin(), names.end());
     return names;
+}
+
+FileStamp stampOf(const std::string& path) {
+#ifdef _WIN32
+    std::error_code failed;
+    const auto size = std::filesystem::file_size(path, failed);
+    if (failed) return {};
+    const auto written = std::filesystem::last_write_time(path, failed).time_since_epoch();
+    if (failed) return {};
+    return {true, size, std::chrono::duration_cast<std::chrono::nanoseconds>(written).count()};
+#else
+    struct stat told {};
+
+    if (::stat(path.c_str(), &told) != 0) return {};
+    const auto nanoseconds = [](const timespec& time) {
+        return std::int64_t{time.tv_sec} * 1000000000 + std::int64_t{time.tv_nsec};
+    };
+    return {true,
+            static_cast<std::uint64_t>(told.st_size),
+            nanoseconds(told.st_mtim),
+            nanoseconds(told.st_ctim),
+            std::uint64_t{told.st_dev},
+            std::uint64_t{told.st_ino}};
+#endif
 }
 
 double physicalMemory() {

@@ -67,6 +67,22 @@ std::vector<std::string> listFiles(const std::string& folder, const std::string&
 /// Opens for reading and closes: whether a read would meet a fault.
 FileResult tryOpenForReading(const std::string& path);
 
+/// What the system tells of a file without opening it. After a write it differs, unless the clock of the file system
+/// has not moved since the write before; after a replacement it always differs where the system numbers its files.
+struct FileStamp {
+    bool exists = false;
+    std::uint64_t size = 0;
+    std::int64_t modified = 0; ///< ns, as the following
+    std::int64_t changed = 0;  ///< also by a change of name or rights; 0 where the system does not tell
+    std::uint64_t device =
+        0; ///< with the number what is the same for a file under all its names; 0 where the system has none
+    std::uint64_t number = 0;
+
+    bool operator==(const FileStamp&) const = default;
+};
+
+FileStamp stampOf(const std::string& path);
+
 /// Bytes of memory that this process may hope for; 0 when the system does not tell.
 double physicalMemory();
 

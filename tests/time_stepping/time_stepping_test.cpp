@@ -1,11 +1,18 @@
 // A step is a classical Runge-Kutta step whose weighted sum is formed in the first stage of the next step.
 
+#include "core/checkstop.h"
 #include "support/test_program.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
+#include <chrono>
 #include <cmath>
+#include <cstring>
+#include <thread>
 
 namespace norvane {
 namespace {
@@ -154,6 +161,70 @@ TEST(stopFile, stopsARunWithTheExitQuestionAndIsClearedAgain) {
     for (const char* content : {"1", " 1 \r\n", "1\t0", "1,0"}) EXPECT_EQ(putAtStep(10, content), 11) << content;
     EXPECT_THAT(test.events, ElementsAre("shown: NV_out", "shown: NV_einde"));
     EXPECT_EQ(test.read("checkstop"), " 0 \r\n");
+}
+
+/// Polls the stop file, and takes the stop back again.
+bool stops(TestProgram& test, StopFileWatch& watch) {
+    test.sim.stopFlag = 0;
+    pollCheckstop(test.sim, test.ui, {}, watch);
+    return test.sim.stopFlag == 1;
+}
+
+TEST(stopFile, isSeenWhenItIsRewrittenRightAfterAPoll) {
+    TestProgram test;
+    StopFileWatch watch;
+    for (int round = 0; round < 100; ++round) { // most of them within one tick of the file system's clock
+        test.write("checkstop", " 0 \r\n");
+        ASSERT_FALSE(stops(test, watch)) << round;
+        test.write("checkstop", " 1 \r\n");
+        ASSERT_TRUE(stops(test, watch)) << round;
+    }
+    // Stores into a page of the file that is written already leave the stamp alone, on any file system.
+    const int file = ::open("checkstop", O_RDWR);
+    void* const page = ::mmap(nullptr, 5, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+    ASSERT_NE(page, MAP_FAILED);
+    ::close(file);
+    std::memcpy(page, " 0 \r\n", 5);
+    EXPECT_FALSE(stops(test, watch));
+    std::memcpy(page, " 1 \r\n", 5);
+    EXPECT_TRUE(stops(test, watch)) << "with the stamp of the latest read";
+    ::munmap(page, 5);
+}
+
+TEST(stopFile, isReadAgainAfterAnyChangeAndOnlyThen) {
+    using namespace std::chrono_literals;
+    TestProgram test;
+    StopFileWatch watch;
+    watch.settling = 20ms;
+    watch.trusted = 1h;
+    const auto settle = [&] {
+        for (int poll = 0; poll < 2; ++poll) {
+            EXPECT_FALSE(stops(test, watch));
+            std::this_thread::sleep_for(2 * watch.settling);
+        }
+        EXPECT_FALSE(stops(test, watch));
+    };
+    test.write("checkstop", " 0 \r\n");
+    settle();
+    watch.value = 1; // what only a poll that reads would find wrong
+    EXPECT_TRUE(stops(test, watch)) << "a file that nobody touches is not read again";
+    settle();
+    test.write("checkstop", " 1 \r\n");
+    EXPECT_TRUE(stops(test, watch)) << "written over";
+    settle();
+    test.write("other", " 1 \r\n");
+    std::filesystem::last_write_time("other", std::filesystem::last_write_time("checkstop"));
+    std::filesystem::rename("other", "checkstop");
+    EXPECT_TRUE(stops(test, watch)) << "replaced by a file of the same size and time";
+    settle();
+    std::filesystem::remove("checkstop");
+    settle();
+    test.write("checkstop", " 1 \r\n");
+    EXPECT_TRUE(stops(test, watch)) << "made anew";
+    settle();
+    watch.trusted = 0s;
+    watch.value = 1;
+    EXPECT_FALSE(stops(test, watch)) << "a stamp is not trusted for ever";
 }
 
 } // namespace
