@@ -69,6 +69,9 @@ struct RandomSequence {
     std::uint64_t state = 0x4E6F7276616E65; ///< any fixed value will do
 };
 
+/// The most threads that a run may be told to have.
+constexpr int maxThreads = 1024;
+
 /// Index ranges are inclusive. Cells run from 1 to nCells, cell 0 is the template of the default cell; species run
 /// from 0 to nsMax, dimensions from 1 to nDim. Units are SI. A value that a comment calls held is never integrated.
 struct SimState {

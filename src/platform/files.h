@@ -74,8 +74,7 @@ struct FileStamp {
     std::uint64_t size = 0;
     std::int64_t modified = 0; ///< ns, as the following
     std::int64_t changed = 0;  ///< also by a change of name or rights; 0 where the system does not tell
-    std::uint64_t device =
-        0; ///< with the number what is the same for a file under all its names; 0 where the system has none
+    std::uint64_t device = 0;  ///< with the number of the file there, what tells it from others; 0 as before
     std::uint64_t number = 0;
 
     bool operator==(const FileStamp&) const = default;

@@ -183,6 +183,14 @@ def use_batch_start(screen, program, models):
     assert started.wait(PATIENCE) == 0
 
 
+def refuse_threads(programs):
+    """A number out of range is refused alike by all programs that take one."""
+    for number in ("0", "1025", "x", "1.5"):
+        told = {subprocess.run([*program, "--threads", number], capture_output=True, text=True).stderr
+                for program in programs}
+        assert told == {f"--threads: Value {number} not in range 1 to 1024\nRun with --help for more information.\n"}
+
+
 def main():
     cmake, build, examples, artefacts = sys.argv[1:]
     artefacts = Path(artefacts)
@@ -196,6 +204,8 @@ def main():
         models = place / "models"
         shutil.copytree(examples, models)
         os.environ.update(XDG_CONFIG_HOME=str(place / "config"), XDG_RUNTIME_DIR=folder, QT_QPA_PLATFORM="xcb")
+        refuse_threads([[prefix / "bin" / "norvane", "run", "m.gmt"],
+                        [prefix / "bin" / "norvane-desktop", "-platform", "offscreen"]])
         screen = Screen(artefacts)
         try:
             use_program(screen, prefix / "bin" / "norvane-desktop", models)

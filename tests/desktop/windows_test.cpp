@@ -13,9 +13,12 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QListWidget>
+#include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QSettings>
+#include <QSpinBox>
 #include <QTest>
 #include <QTimer>
 
@@ -217,6 +220,49 @@ TEST(windows, takeADroppedGeometry) {
     ASSERT_EQ(files->selectedItems().size(), 1);
     QTest::keyClick(findWidget<QWidget>("NV_in.File1"), Qt::Key_Return); // as the button does
     EXPECT_EQ(screen.test.sim.nDim, 1);
+}
+
+/// Picks the entry of the menu of a control, and answers the question that follows. Gives what the question showed.
+QString setThreads(const char* control, const QString& number, Qt::Key answer) {
+    QWidget* place = findWidget<QWidget>(control);
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, place->rect().center(), {5, 5});
+    QApplication::sendEvent(place, &event);
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    if (menu == nullptr || menu->actions().size() != 1) return "(no menu)";
+    QAction* entry = menu->actions().front();
+    menu->close();
+    QString shown;
+    QTimer::singleShot(0, [&] {
+        auto* edit = QApplication::activeModalWidget()->findChild<QSpinBox*>();
+        shown = edit->text();
+        edit->selectAll();
+        QTest::keyClicks(edit, number);
+        QTest::keyClick(edit, answer);
+    });
+    entry->trigger();
+    return shown;
+}
+
+TEST(windows, keepTheNumberOfThreadsForTheNextRuns) {
+    const TestProgram place; // outlives the programs below, as a person's settings do
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QString::fromStdString(place.folder.string()));
+    {
+        const Screen screen;
+        EXPECT_EQ(screen.test.sim.threads, 0);
+        EXPECT_EQ(setThreads("NV_in.Command2", "3", Qt::Key_Return), "as suits the grid");
+        EXPECT_EQ(screen.test.sim.threads, 3);
+        EXPECT_EQ(setThreads("NV_in.File1", "4", Qt::Key_Escape), "3");
+        EXPECT_EQ(screen.test.sim.threads, 3);
+        setThreads("NV_in.Command2", "1025", Qt::Key_Return);
+        EXPECT_EQ(screen.test.sim.threads, 102) << "the last digit is refused";
+        setThreads("NV_in.Command2", "2", Qt::Key_Return);
+    }
+    EXPECT_EQ(Screen().test.sim.threads, 2);
+    TestProgram named;
+    named.sim.threads = 5; // by the command line
+    Desktop(named.program).start({named.folder.string(), "norvane", {}});
+    EXPECT_EQ(named.sim.threads, 5);
+    EXPECT_EQ(Screen().test.sim.threads, 2) << "which counts for one start";
 }
 
 TEST(windows, selectorsTakeNoTyping) {

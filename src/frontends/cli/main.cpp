@@ -1,5 +1,6 @@
 // The command line. Options are read here and nowhere else.
 
+#include "core/sim_state.h"
 #include "frontends/cli/exit_status.h"
 #include "frontends/cli/plot_command.h"
 #include "frontends/cli/run_command.h"
@@ -64,7 +65,7 @@ CLI::App* addRun(CLI::App& app, RunOptions& options) {
         ->check(CLI::Range(1, 2147483647));
     run->add_option("--threads", options.threads, "threads of the computation; the results are the same for any number")
         ->type_name("N")
-        ->check(CLI::Range(1, 1024));
+        ->check(CLI::Range(1, maxThreads));
     run->add_option("--movie", options.movie, "make a film of these pictures, such as m.mp4, with ffmpeg")
         ->type_name("FILE")
         ->needs("--snapshots");

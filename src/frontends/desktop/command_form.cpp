@@ -1,10 +1,13 @@
 #include "frontends/desktop/command_form.h"
 
+#include "frontends/desktop/thread_setting.h"
 #include "platform/files.h"
 #include "shell/command_window.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QDropEvent>
+#include <QMenu>
 #include <QMimeData>
 #include <QUrl>
 #include <chrono>
@@ -42,6 +45,7 @@ CommandForm::CommandForm(Program& program, Act act)
     addButton("Command7", {720, 4920, 735, 375});
     geometries_->entered = [import] { import->click(); };
     setAcceptDrops(true);
+    addThreads();
 }
 
 void CommandForm::addLists() {
@@ -61,6 +65,28 @@ void CommandForm::addLists() {
     connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, [this] {
         if (!changed_.isActive()) changed_.start();
     });
+}
+
+/// The number of threads is no control of the form: it stands in the menu, and works with its key.
+void CommandForm::addThreads() {
+    threads_ = new QAction("&Threads ...", this);
+    threads_->setShortcut(Qt::CTRL | Qt::Key_T);
+    addAction(threads_);
+    connect(threads_, &QAction::triggered, this, [this] {
+        act_([this] {
+            const std::optional<int> threads = askForThreads(this, program_.sim.threads);
+            if (!threads) return;
+            program_.sim.threads = *threads;
+            keepThreads(*threads);
+        });
+    });
+}
+
+void CommandForm::contextMenuEvent(QContextMenuEvent* event) {
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addAction(threads_);
+    menu->popup(event->globalPos()); // without waiting: a run goes on meanwhile
 }
 
 void CommandForm::refreshLists() {

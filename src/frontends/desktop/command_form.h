@@ -4,6 +4,7 @@
 #include "frontends/desktop/form_window.h"
 #include "frontends/desktop/path_lists.h"
 
+#include <QAction>
 #include <QFileSystemWatcher>
 #include <QPlainTextEdit>
 #include <QTimer>
@@ -24,9 +25,11 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
     void addLists();
+    void addThreads();
     void refreshLists();
 
     QPlainTextEdit* status_ = nullptr;
@@ -34,6 +37,7 @@ private:
     FolderList* folders_ = nullptr;
     GeometryList* geometries_ = nullptr;
     QFileSystemWatcher watcher_;
+    QAction* threads_ = nullptr;
     QTimer changed_; ///< runs while the folder is known to have changed
     double factor_ = 1;
 };

@@ -11,7 +11,8 @@ constexpr ControlText table[] = {
      "Reads the geometry selected below.\nWhat was computed from the one before is lost: save it first."},
     {"NV_in", "Command2", "R", "Recalculate",
      "Builds the model and runs it from its first step.\n"
-     "The state reached so far and the settings of the display panel are lost.\nDuring a run it starts over."},
+     "The state reached so far and the settings of the display panel are lost.\nDuring a run it starts over.\n"
+     "A right click in this window, or Ctrl+T, sets the threads of the next run."},
     {"NV_in", "Command5", "C", "Continue",
      "Goes on from the state reached so far and keeps the settings of the display panel.\n"
      "Directly after an import it starts from the first step, as Recalc does."},

@@ -1,6 +1,7 @@
 #include "frontends/desktop/desktop.h"
 
 #include "frontends/desktop/dialogs.h"
+#include "frontends/desktop/thread_setting.h"
 #include "frontends/desktop/window_places.h"
 #include "shell/command_window.h"
 
@@ -50,6 +51,7 @@ FormWindow& Desktop::windowOf(const Form& form) {
 
 void Desktop::start(const ProgramStart& start) {
     restorePlaces({&commands_, &plot_, &panel_, &question_});
+    if (program_.sim.threads == 0) program_.sim.threads = keptThreads(); // else the command line tells it
     refresh();
     commands_.show();
     act([&] { startProgram(program_, start); });

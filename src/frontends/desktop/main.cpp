@@ -7,22 +7,46 @@
 #include <QCommandLineParser>
 #include <QIcon>
 #include <QSessionManager>
+#include <cstdio>
+#include <cstdlib>
 
 namespace norvane {
 
 namespace {
 
-/// The geometry that the command line names; empty for none. Ends the program for bad use and for --help.
-std::string namedGeometry(const QApplication& application) {
+/// What the command line tells.
+struct StartOptions {
+    std::string geometry; ///< empty: none
+    int threads = 0;      ///< 0: those that were set last
+};
+
+/// Ends the program for a number out of range, as the command line programs do.
+int threadsOf(const QString& text) {
+    bool isNumber = false;
+    const int threads = text.toInt(&isNumber, 0);
+    if (isNumber && threads >= 1 && threads <= maxThreads) return threads;
+    std::fprintf(stderr, "--threads: Value %s not in range 1 to %d\nRun with --help for more information.\n",
+                 text.toLocal8Bit().constData(), maxThreads);
+    std::exit(2);
+}
+
+/// Ends the program for bad use and for --help.
+StartOptions readOptions(const QApplication& application) {
     QCommandLineParser parser;
     parser.setApplicationDescription("Norvane simulates compressible gas flow through a grid of cells.");
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addPositionalArgument("geometry", "A table of a geometry (.gmt) to select at the start.", "[geometry]");
+    const QCommandLineOption threads(
+        "threads", "Threads of the computation, for this start; the results are the same for any number.", "N");
+    parser.addOption(threads);
     parser.process(application);
     const QStringList arguments = parser.positionalArguments();
     if (arguments.size() > 1) parser.showHelp(2);
-    return arguments.isEmpty() ? std::string() : arguments.front().toStdString();
+    StartOptions options;
+    if (!arguments.isEmpty()) options.geometry = arguments.front().toStdString();
+    if (parser.isSet(threads)) options.threads = threadsOf(parser.value(threads));
+    return options;
 }
 
 int runDesktop(int argc, char** argv) {
@@ -34,9 +58,11 @@ int runDesktop(int argc, char** argv) {
     QGuiApplication::setDesktopFileName("norvane-desktop");
     QGuiApplication::setWindowIcon(QIcon::fromTheme("norvane-desktop", QIcon(":/norvane-desktop.png")));
     QGuiApplication::setQuitOnLastWindowClosed(false); // only the exit question ends the program
-    const std::string geometry = namedGeometry(application);
+    const StartOptions options = readOptions(application);
+    const std::string& geometry = options.geometry;
 
     Program program;
+    program.sim.threads = options.threads;
     connectProgram(program);
     Desktop desktop(program);
     QObject::connect(&application, &QGuiApplication::commitDataRequest, [&](QSessionManager& session) {
