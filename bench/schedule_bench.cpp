@@ -121,7 +121,7 @@ void schedule(benchmark::State& state) {
     state.counters["schedule_percent"] = 100 * rest / step;
 }
 
-BENCHMARK(schedule)->ArgName("log")->Arg(0)->Arg(1)->Iterations(300)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(schedule)->ArgName("log")->Arg(0)->Arg(1)->Iterations(150)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 } // namespace
 

@@ -30,7 +30,7 @@ std::optional<int> askForThreads(QWidget* parent, int threads) {
     QInputDialog box(parent);
     box.setObjectName("threads");
     box.setWindowTitle("Threads");
-    box.setLabelText(QStringLiteral("Threads of the next run; this machine suits up to %1.\n"
+    box.setLabelText(QStringLiteral("Threads of the next run. This machine runs %1 side by side.\n"
                                     "The results are the same for any number.")
                          .arg(QThread::idealThreadCount()));
     box.setInputMode(QInputDialog::IntInput);
