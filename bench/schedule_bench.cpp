@@ -69,6 +69,7 @@ double secondsOfStages(Model& model, StagePlan& plan) {
     const Clock::time_point begin = Clock::now();
     for (int step = 0; step < blockSteps; ++step)
         for (int stage = 1; stage <= 4; ++stage) runStage(model.sim, model.ui, plan, stage);
+    model.sim.revision += 1; // for the run, which has not written these fields itself
     return Seconds(Clock::now() - begin).count();
 }
 
