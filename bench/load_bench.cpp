@@ -1,13 +1,10 @@
 // Load and build of plane tables, up to ten million cells: time, and memory at its peak.
 
-#include "geometry/grid_file.h"
-#include "geometry/model_build.h"
+#include "bench_model.h"
 
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
-#include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <string>
 
@@ -37,33 +34,16 @@ std::string cellText(Texts texts, int row, int column) {
     return "";
 }
 
-/// A folder with the table of a plane of side by side cells, which is also the working directory: a build writes its
-/// stop file there.
-struct TableFolder {
-    std::filesystem::path folder = std::filesystem::temp_directory_path() / "norvane-load-bench";
-    std::filesystem::path formerDirectory = std::filesystem::current_path();
-
-    TableFolder(int side, Texts texts) {
-        std::filesystem::create_directories(folder);
-        std::filesystem::current_path(folder);
-        std::ofstream table("m.gmt", std::ios::binary);
-        const std::string tabs(static_cast<std::size_t>(side) - 1, '\t');
-        table << "L" << tabs << "\n";
-        for (int row = 0; row < side; ++row)
-            for (int column = 0; column < side; ++column)
-                table << cellText(texts, row, column) << (column < side - 1 ? '\t' : '\n');
-        table << "L" << tabs << "\n";
-    }
-
-    ~TableFolder() {
-        std::error_code ignored;
-        std::filesystem::current_path(formerDirectory, ignored);
-        std::filesystem::remove_all(folder, ignored);
-    }
-
-    TableFolder(const TableFolder&) = delete;
-    TableFolder& operator=(const TableFolder&) = delete;
-};
+/// The table of a plane of side by side cells, in the working directory.
+void writeTable(int side, Texts texts) {
+    std::ofstream table("bench.gmt", std::ios::binary);
+    const std::string tabs(static_cast<std::size_t>(side) - 1, '\t');
+    table << "L" << tabs << "\n";
+    for (int row = 0; row < side; ++row)
+        for (int column = 0; column < side; ++column)
+            table << cellText(texts, row, column) << (column < side - 1 ? '\t' : '\n');
+    table << "L" << tabs << "\n";
+}
 
 /// Bytes of this process in memory, now ("VmRSS:") or at most ("VmHWM:"); 0 where the system does not tell.
 double residentBytes(const std::string& which) {
@@ -78,21 +58,19 @@ double residentBytes(const std::string& which) {
 /// The highest mark is counted anew from here, so that a benchmark is not told what an earlier one took.
 void forgetPeak() { std::ofstream("/proc/self/clear_refs") << 5; }
 
+/// Before any model: what an earlier one leaves behind in the allocator counts for the later ones.
+const double residentAtStart = residentBytes("VmRSS:");
+
 void loadAndBuild(benchmark::State& state, Texts texts) {
-    const TableFolder table(static_cast<int>(state.range(0)), texts);
+    const BenchFolder folder;
+    writeTable(static_cast<int>(state.range(0)), texts);
     double cells = 0;
     double standing = 0;
-    const double before = residentBytes("VmRSS:");
     forgetPeak();
     for (auto _ : state) {
         SimState sim;
         Interface ui;
-        ui.showMessage = [](const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); };
-        ui.NV_in.Dir1.path = table.folder.string();
-        ui.NV_in.File1.selected = "m.gmt";
-        sim.batchMode = 1; // without the message about the cells
-        loadGeometry(sim, ui);
-        buildModel(sim, ui);
+        loadAndBuild(sim, ui, folder);
         benchmark::DoNotOptimize(sim.cellVolume[1]);
         cells = sim.nCells;
         state.PauseTiming(); // to measure, and for the release of the model
@@ -102,8 +80,8 @@ void loadAndBuild(benchmark::State& state, Texts texts) {
     }
     state.counters["time/cell"] = benchmark::Counter(cells * static_cast<double>(state.iterations()),
                                                      benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
-    state.counters["bytes/cell"] = (standing - before) / cells;
-    state.counters["peak bytes/cell"] = (residentBytes("VmHWM:") - before) / cells;
+    state.counters["bytes/cell"] = (standing - residentAtStart) / cells;
+    state.counters["peak bytes/cell"] = (residentBytes("VmHWM:") - residentAtStart) / cells;
 }
 
 void sides(benchmark::internal::Benchmark* benchmark) {

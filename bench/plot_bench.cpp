@@ -1,10 +1,9 @@
 // A plot and a snapshot of a plane of a million cells, the table of values written each time.
 
+#include "bench_model.h"
 #include "display/field_plot.h"
 #include "display/snapshot.h"
 #include "frontends/image/image_surface.h"
-#include "geometry/grid_file.h"
-#include "geometry/model_build.h"
 
 #include <benchmark/benchmark.h>
 
@@ -21,45 +20,14 @@ namespace {
 
 constexpr int side = 1000;
 
-/// A built grid of side by side cells with a temperature and a flow of many digits, in a folder of its own.
-struct Plane {
-    SimState sim;
-    Interface ui;
-    std::filesystem::path folder = std::filesystem::temp_directory_path() / "norvane-plot-bench";
-    std::filesystem::path formerDirectory = std::filesystem::current_path();
-
-    Plane() {
-        std::filesystem::create_directories(folder);
-        std::filesystem::current_path(folder); // a build writes its stop file there
-        writeTable();
-        ui.showMessage = [](const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); };
-        ui.NV_in.Dir1.path = folder.string();
-        ui.NV_in.File1.selected = "plane.gmt";
-        sim.batchMode = 1; // without the message about the cells
-        loadGeometry(sim, ui);
-        buildModel(sim, ui);
+/// A temperature and a flow of many digits.
+struct Plane : BenchModel {
+    Plane() : BenchModel(side, side) {
         for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
             sim.temperature[cell] = static_cast<float>(500 + 200 * std::sin(1e-5 * cell));
             for (int dim = 1; dim <= sim.nDim; ++dim)
                 sim.velocity(cell, dim) = static_cast<float>(std::cos(cell * dim));
         }
-    }
-
-    ~Plane() {
-        std::error_code ignored;
-        std::filesystem::current_path(formerDirectory, ignored);
-        std::filesystem::remove_all(folder, ignored);
-    }
-
-    Plane(const Plane&) = delete;
-    Plane& operator=(const Plane&) = delete;
-
-    void writeTable() const {
-        std::ofstream table(folder / "plane.gmt");
-        const std::string row(side - 1, '\t');
-        table << "L" << row << "\n";
-        for (int k = 0; k < side; ++k) table << row << "\n";
-        table << "L" << row << "\n";
     }
 };
 

@@ -1,18 +1,13 @@
 // Speed of the stages of a run: the plain evaluation, the engine on one thread and on two, in turn on the same model.
 
+#include "bench_model.h"
 #include "core/stage_engine.h"
-#include "geometry/grid_file.h"
-#include "geometry/model_build.h"
 #include "support/plain_stage.h"
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
@@ -25,47 +20,6 @@ enum Kind {
     uniform,
     ownCoefficients, ///< coefficients differ from cell to cell
     walled,          ///< walls and held cells in every third row, two species
-};
-
-std::string table(int columns, int rows, int layers, Kind kind) {
-    std::string text = kind == walled ? "NS 1:DT 1E-6:CC 1;0.3" : "DT 1E-6";
-    const std::string tabs(static_cast<std::size_t>(columns - 1), '\t');
-    text += tabs + "\nL" + tabs;
-    for (int layer = 0; layer < layers; ++layer) {
-        for (int row = 0; row < rows; ++row) text += "\n" + tabs;
-        text += "\nL" + tabs;
-    }
-    return text;
-}
-
-/// A built model in a folder of its own, which is also the working directory: a build writes its stop file there.
-struct Model {
-    SimState sim;
-    Interface ui;
-    std::filesystem::path folder = std::filesystem::temp_directory_path() / "norvane-run-bench";
-    std::filesystem::path formerDirectory = std::filesystem::current_path();
-
-    Model(int columns, int rows, int layers, Kind kind) {
-        std::filesystem::create_directories(folder);
-        std::filesystem::current_path(folder);
-        std::ofstream("bench.gmt", std::ios::binary) << table(columns, rows, layers, kind);
-        ui.showMessage = [](const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); };
-        ui.NV_in.Dir1.path = folder.string();
-        ui.NV_in.File1.selected = "bench.gmt";
-        sim.batchMode = 1; // without the message about the cells
-        loadGeometry(sim, ui);
-        buildModel(sim, ui);
-        sim.stageWork = workSlot;
-    }
-
-    ~Model() {
-        std::error_code ignored;
-        std::filesystem::current_path(formerDirectory, ignored);
-        std::filesystem::remove_all(folder, ignored);
-    }
-
-    Model(const Model&) = delete;
-    Model& operator=(const Model&) = delete;
 };
 
 void giveOwnCoefficients(SimState& sim, std::int32_t cell) {
@@ -85,16 +39,7 @@ void layWalls(SimState& sim, std::int32_t cell) {
     if (cell % 29 == 0) sim.wallTemperature[cell] = -1;
 }
 
-/// Gas that moves everywhere by some metres a second, so that every term has something to do.
-void setInMotion(SimState& sim, std::int32_t cell) {
-    const double row = (cell - 1) / sim.cellCount[1];
-    for (int dim = 1; dim <= sim.nDim; ++dim)
-        if (sim.wallVelocity(cell, dim) == 0)
-            sim.stageMomentum(committedSlot, cell, dim) =
-                static_cast<float>(sim.cellMass[cell] * 10 * std::sin(0.01 * cell * dim + row));
-}
-
-void plainStep(Model& model) {
+void plainStep(BenchModel& model) {
     for (int stage = 1; stage <= 4; ++stage) {
         plain::formWorkState(model.sim, stage);
         plain::updatePrimitives(model.sim, model.ui);
@@ -103,7 +48,7 @@ void plainStep(Model& model) {
     model.sim.revision += 1;
 }
 
-void engineStep(Model& model, StagePlan& plan) {
+void engineStep(BenchModel& model, StagePlan& plan) {
     for (int stage = 1; stage <= 4; ++stage) runStage(model.sim, model.ui, plan, stage);
 }
 
@@ -122,13 +67,13 @@ double median(std::vector<double> values) {
 
 /// Each iteration measures all ways one behind the other; the gains are medians of what the rounds give.
 void compareWays(benchmark::State& state, int columns, int rows, int layers, Kind kind) {
-    Model model(columns, rows, layers, kind);
+    BenchModel model(columns, rows, layers, kind == walled ? "NS 1:DT 1E-6:CC 1;0.3" : "DT 1E-6");
     SimState& sim = model.sim;
     for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
         if (kind == ownCoefficients) giveOwnCoefficients(sim, cell);
         if (kind == walled) layWalls(sim, cell);
-        setInMotion(sim, cell);
     }
+    model.setInMotion();
     StagePlan alone = planStages(sim, 1);
     StagePlan together = planStages(sim, 2);
     const int plainSteps = std::max(1, 500'000 / sim.nCells);
@@ -165,7 +110,7 @@ void heatBall(SimState& sim) {
 
 /// A hot ball in quiet gas, ten steps on: all rows, and all but those that rest.
 void leaveOutRestingRows(benchmark::State& state) {
-    Model model(128, 128, 128, uniform);
+    BenchModel model(128, 128, 128, "DT 1E-6");
     heatBall(model.sim);
     SimState other = model.sim;
     StagePlan resting = planStages(model.sim, 1);

@@ -1,11 +1,10 @@
 // Saving and recalling the state of a million cells in motion, in bytes of text a second and beside the conversion of
 // the same numbers alone.
 
+#include "bench_model.h"
 #include "core/number_text.h"
 #include "exchange/number_items.h"
 #include "exchange/state_file.h"
-#include "geometry/grid_file.h"
-#include "geometry/model_build.h"
 #include "platform/files.h"
 
 #include <benchmark/benchmark.h>
@@ -24,45 +23,11 @@ namespace {
 
 constexpr int side = 1000;
 
-/// A loaded and built grid of side by side cells in a folder of its own, which it makes and removes.
-struct Model {
-    SimState sim;
-    Interface ui;
-    std::filesystem::path formerDirectory = std::filesystem::current_path();
-    std::filesystem::path folder = std::filesystem::temp_directory_path() / "norvane-state-bench";
-
-    Model() {
-        std::filesystem::create_directories(folder);
-        std::filesystem::current_path(folder); // a build writes the stop file into it
-        writeTable();
-        ui.showMessage = [](const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); };
-        ui.NV_in.Dir1.path = folder.string();
-        ui.NV_in.File1.selected = "m.gmt";
-        sim.batchMode = 1; // without the message about the cells
-        loadGeometry(sim, ui);
-        buildModel(sim, ui);
-        setInMotion();
-    }
-
-    ~Model() {
-        std::error_code ignored;
-        std::filesystem::current_path(formerDirectory, ignored);
-        std::filesystem::remove_all(folder, ignored);
-    }
-
-    Model(const Model&) = delete;
-    Model& operator=(const Model&) = delete;
-
-    void writeTable() const {
-        std::ofstream table(folder / "m.gmt");
-        const std::string row(side - 1, '\t');
-        table << "L" << row << "\n";
-        for (int k = 0; k < side; ++k) table << row << "\n";
-        table << "L" << row << "\n";
-    }
+struct Model : BenchModel {
+    Model() : BenchModel(side, side) { setDigits(); }
 
     /// Values with all their digits in use: a state at rest would save and recall in less text than a run's.
-    void setInMotion() {
+    void setDigits() {
         for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
             const double wave = std::sin(0.001 * cell);
             sim.temperature[cell] = static_cast<float>(300 + 100 * wave);
@@ -75,7 +40,9 @@ struct Model {
         }
     }
 
-    std::int64_t textBytes() const { return static_cast<std::int64_t>(std::filesystem::file_size(folder / "m_state")); }
+    std::int64_t textBytes() const {
+        return static_cast<std::int64_t>(std::filesystem::file_size(folder.path / "bench_state"));
+    }
 };
 
 /// The numbers of a state file, in its order.
@@ -157,7 +124,7 @@ void writeMillionCells(benchmark::State& state) {
     Model model;
     saveState(model.sim, model.ui);
     std::string text;
-    const std::string path = (model.folder / "m_state").string();
+    const std::string path = (model.folder.path / "bench_state").string();
     readFile(path, text);
     for (auto _ : state) overwriteFile(path, text);
     state.SetBytesProcessed(state.iterations() * model.textBytes());
@@ -169,7 +136,7 @@ void recallMillionCells(benchmark::State& state) {
     const std::size_t count = StateNumbers(model.sim).conserved.size();
     saveState(model.sim, model.ui);
     std::string text;
-    readFile((model.folder / "m_state").string(), text);
+    readFile((model.folder.path / "bench_state").string(), text);
     compareWithConversion(
         state, [&] { recallState(model.sim, model.ui); }, [&] { benchmark::DoNotOptimize(parseNumbers(text, count)); });
     state.SetBytesProcessed(state.iterations() * model.textBytes());
