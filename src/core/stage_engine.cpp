@@ -5,111 +5,12 @@
 #include "core/source_terms.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstring>
 #include <functional>
 #include <string>
-#include <system_error>
 
 namespace norvane {
 
 namespace {
-
-/// The first cell of a row [0..rows-1].
-std::int64_t firstCell(const StagePlan& plan, std::int64_t row) { return 1 + row * plan.rowCells; }
-
-// --- plan ------------------------------------------------------------------------------------------------------------
-
-RowTraits traitsOf(const SimState& sim, std::int64_t first, std::int64_t last) {
-    RowTraits traits;
-    for (std::int64_t cell = first; cell <= last; ++cell) {
-        traits.heldSpecies |= sim.wallPressure[cell] != 0;
-        traits.heldPressure |= sim.wallPressure[cell] < 0;
-        traits.heldEnergy |= sim.wallTemperature[cell] != 0;
-        traits.closedEnergy |= sim.wallTemperature[cell] > 0;
-        traits.heldTemperature |= sim.wallTemperature[cell] < 0;
-        traits.heldConcentration |= sim.wallConcentration[cell] < 0;
-        traits.wholeCodes |= sim.wallVelocity(cell, 0) != 0;
-    }
-    traits.closedEnd = sim.wallVelocity(last, 1) > 0;
-    return traits;
-}
-
-DimensionTraits traitsAlong(const SimState& sim, int dim, std::int64_t first, std::int64_t last) {
-    DimensionTraits traits;
-    for (std::int64_t cell = first; cell <= last; ++cell) {
-        traits.held |= sim.wallVelocity(cell, dim) != 0;
-        traits.closed |= sim.wallVelocity(cell, dim) > 0;
-    }
-    return traits;
-}
-
-bool hasImposedValue(const SimState& sim, std::int64_t cell) {
-    bool imposed = sim.wallConcentration[cell] < 0 || sim.wallTemperature[cell] < 0;
-    for (int dim = 1; dim <= sim.nDim; ++dim) imposed |= sim.wallVelocity(cell, dim) < 0;
-    return imposed;
-}
-
-bool hasSource(const SimState& sim, std::int64_t cell) {
-    return sim.wallPressure[cell] < 0 || (sim.wallConcentration[cell] == 1 && sim.nsMax >= 1);
-}
-
-void planRow(const SimState& sim, StagePlan& plan, std::int64_t row) {
-    const std::int64_t first = firstCell(plan, row);
-    const std::int64_t last = first + plan.rowCells - 1;
-    plan.rowTraits[row] = traitsOf(sim, first, last);
-    for (int dim = 1; dim <= sim.nDim; ++dim) {
-        const bool withoutEnd = dim == 1 && plan.rowTraits[row].closedEnd;
-        const DimensionTraits along = traitsAlong(sim, dim, first, withoutEnd ? last - 1 : last);
-        plan.dimensionTraits[row * sim.nDim + dim - 1] = along;
-        plan.rowTraits[row].closedVelocity |= along.closed;
-    }
-    for (std::int64_t cell = first; cell <= last; ++cell) {
-        if (hasImposedValue(sim, cell)) plan.imposedCells.push_back(static_cast<std::int32_t>(cell));
-        if (hasSource(sim, cell)) plan.sourceCells.push_back(static_cast<std::int32_t>(cell));
-    }
-    plan.imposedOfRow[row + 1] = static_cast<std::int64_t>(plan.imposedCells.size());
-    plan.sourcesOfRow[row + 1] = static_cast<std::int64_t>(plan.sourceCells.size());
-}
-
-bool sameBits(const float* a, const float* b, int count) {
-    return std::memcmp(a, b, static_cast<std::size_t>(count) * sizeof(float)) == 0;
-}
-
-/// `cells`: cell 0 of the coefficient.
-Coefficient planCoefficient(const StagePlan& plan, const float* cells) {
-    Coefficient coefficient{cells + 1, plan.rowCells, std::vector<std::int32_t>(static_cast<std::size_t>(plan.rows))};
-    for (std::int64_t row = 0; row < plan.rows; ++row) {
-        std::int32_t& sameAs = coefficient.sameAs[static_cast<std::size_t>(row)];
-        sameAs = static_cast<std::int32_t>(row);
-        const float* const here = coefficient.row(row);
-        for (const std::int64_t before : {row - 1, row - plan.sheetRows})
-            if (before >= 0 && sameBits(here, coefficient.row(before), plan.rowCells))
-                sameAs = coefficient.sameAs[static_cast<std::size_t>(before)];
-    }
-    return coefficient;
-}
-
-bool isConstant(const StagePlan& plan, const Coefficient& coefficient, std::int64_t row) {
-    const float* const here = coefficient.row(row);
-    return sameBits(here, here + 1, plan.rowCells - 1);
-}
-
-void planFaceCoefficients(const SimState& sim, StagePlan& plan) {
-    plan.friction = planCoefficient(plan, &sim.friction[0]);
-    for (int dim = 1; dim <= sim.nDim; ++dim) {
-        plan.inverseSize.push_back(planCoefficient(plan, sim.inverseSize.component(dim)));
-        plan.area.push_back(planCoefficient(plan, sim.faceArea.component(dim)));
-        plan.conduction.push_back(planCoefficient(plan, sim.conductionCoef.component(dim)));
-        plan.viscous.push_back(planCoefficient(plan, sim.viscousCoef.component(dim)));
-        for (std::int64_t row = 0; row < plan.rows; ++row) {
-            bool constant = isConstant(plan, plan.capacity, row);
-            for (const auto* coefficients : {&plan.inverseSize, &plan.area, &plan.conduction, &plan.viscous})
-                constant = constant && isConstant(plan, coefficients->back(), row);
-            plan.dimensionTraits[row * sim.nDim + dim - 1].constant = constant;
-        }
-    }
-}
 
 // --- work state and primitives ---------------------------------------------------------------------------------------
 
@@ -347,100 +248,6 @@ void computeSlopeRow(SimState& sim, const StagePlan& plan, StageWorkspace& works
     }
 }
 
-// --- resting rows ----------------------------------------------------------------------------------------------------
-
-constexpr std::uint8_t allStages = 0b11110;
-
-bool mayRest(const SimState& sim, const StagePlan& plan, std::int64_t row) {
-    const RowTraits& traits = plan.rowTraits[row];
-    bool free = !traits.heldSpecies && !traits.heldEnergy && !traits.heldConcentration
-                && plan.imposedOfRow[row] == plan.imposedOfRow[row + 1]
-                && plan.sourcesOfRow[row] == plan.sourcesOfRow[row + 1];
-    for (int dim = 1; dim <= sim.nDim; ++dim) free = free && !plan.dimensionTraits[row * sim.nDim + dim - 1].held;
-    return free;
-}
-
-void planResting(const SimState& sim, StagePlan& plan) {
-    RestingRows& resting = plan.resting;
-    for (auto* const flags :
-         {&resting.mayRest, &resting.zeroSlopes, &resting.settled, &resting.unchanged, &resting.quiet})
-        flags->assign(static_cast<std::size_t>(plan.rows), 0);
-    for (std::int64_t row = 0; row < plan.rows; ++row) resting.mayRest[row] = mayRest(sim, plan, row) ? 1 : 0;
-    resting.revision = sim.revision;
-}
-
-/// Forgets which rows rest where something else than the stages has written fields.
-void reviewResting(const SimState& sim, StagePlan& plan) {
-    RestingRows& resting = plan.resting;
-    // Radiation changes slopes of cells anywhere, and only a forward step leaves no negative zero behind.
-    const bool possible = resting.enabled && sim.radActive != 1 && sim.dt > 0 && sim.rhoFloor >= 0;
-    if (possible && resting.revision == sim.revision) return;
-    resting.revision = sim.revision;
-    for (auto* const flags : {&resting.zeroSlopes, &resting.settled, &resting.quiet})
-        std::fill(flags->begin(), flags->end(), 0);
-}
-
-/// Forms the state and the primitives of a row, unless it has settled.
-void prepareUnlessSettled(SimState& sim, StagePlan& plan, StageWorkspace& workspace, int stage, std::int64_t row) {
-    RestingRows& resting = plan.resting;
-    resting.unchanged[row] = resting.settled[row];
-    if (resting.settled[row] != 0) return;
-    prepareRow(sim, plan, workspace, stage, row);
-    // Behind a step of zero slopes no value is a negative zero, and adding zeros to such values leaves them as they
-    // are.
-    if (stage == 1 && resting.zeroSlopes[row] == allStages && resting.mayRest[row] != 0 && plan.thinRow[row] == 0)
-        resting.settled[row] = 1;
-}
-
-/// Whether a row and its neighbours stand as in the stage before.
-bool isNeighbourhoodUnchanged(const SimState& sim, const StagePlan& plan, std::int64_t row) {
-    const RestingRows& resting = plan.resting;
-    if (resting.unchanged[row] == 0) return false;
-    const std::int64_t first = firstCell(plan, row);
-    for (int dim = 2; dim <= sim.nDim; ++dim) {
-        const std::int64_t rowStride = sim.cellStride[dim] / plan.rowCells;
-        const double place = cellCoordinate(sim, static_cast<std::int32_t>(first), dim);
-        if (place > 0 && resting.unchanged[row - rowStride] == 0) return false;
-        if (place < sim.cellCount[dim] - 1 && resting.unchanged[row + rowStride] == 0) return false;
-    }
-    return true;
-}
-
-bool isPositiveZero(const float* values, int count) {
-    return std::bit_cast<std::uint32_t>(values[0]) == 0 && sameBits(values, values + 1, count - 1);
-}
-
-bool hasZeroSlopes(const SimState& sim, const StagePlan& plan, int stage, std::int64_t row) {
-    const std::int64_t first = firstCell(plan, row);
-    bool zero = isPositiveZero(sim.stageEnergy.slot(stage).component(0) + first, plan.rowCells);
-    for (int species = 0; zero && species <= sim.nsMax; ++species)
-        zero = isPositiveZero(sim.stageSpecies.slot(stage).component(species) + first, plan.rowCells);
-    for (int dim = 1; zero && dim <= sim.nDim; ++dim)
-        zero = isPositiveZero(sim.stageMomentum.slot(stage).component(dim) + first, plan.rowCells);
-    return zero;
-}
-
-/// Computes the slopes of a row, unless those of all stages have been computed from the values that stand.
-void computeSlopesUnlessQuiet(SimState& sim, StagePlan& plan, StageWorkspace& workspace, int stage, std::int64_t row) {
-    RestingRows& resting = plan.resting;
-    std::uint8_t& quiet = resting.quiet[row];
-    if (!isNeighbourhoodUnchanged(sim, plan, row))
-        quiet = 0;
-    else if (quiet == 4)
-        return;
-    else
-        quiet += 1;
-    computeSlopeRow(sim, plan, workspace, stage, row);
-    if (resting.mayRest[row] == 0) return;
-    const auto bit = static_cast<std::uint8_t>(1 << stage);
-    if (hasZeroSlopes(sim, plan, stage, row)) {
-        resting.zeroSlopes[row] |= bit;
-    } else {
-        resting.zeroSlopes[row] &= static_cast<std::uint8_t>(~bit);
-        resting.settled[row] = 0;
-    }
-}
-
 // --- rows and threads ------------------------------------------------------------------------------------------------
 
 /// The sheets [begin .. end - 1] of one thread, and those of them whose slopes read no sheet of another thread.
@@ -509,80 +316,19 @@ void sweepRows(StagePlan& plan, const Prepare& prepare, const Finish& finish) {
 
 } // namespace
 
-int suitableThreads(std::int64_t cells) {
-    constexpr std::int64_t cellsForAThread = 4096; // fewer cost more in meetings than they gain
-    const auto cores = static_cast<std::int64_t>(std::thread::hardware_concurrency());
-    return static_cast<int>(std::clamp<std::int64_t>(cells / cellsForAThread, 1, std::max<std::int64_t>(cores, 1)));
-}
-
-namespace {
-
-/// Sheets are the planes of dimensions 1 and 2 where there are more dimensions, else single rows.
-void layOutSheets(const SimState& sim, StagePlan& plan) {
-    constexpr std::int64_t cellsOfStrip = 8192; // of three sheets the ten fields that slopes read take 1 MB
-    const bool hasPlanes = sim.nDim > 2 && sim.nCells > 0;
-    plan.sheetRows = hasPlanes ? sim.cellCount[2] : 1;
-    plan.sheets = plan.rows / plan.sheetRows;
-    plan.reach = sim.nDim > 1 && sim.nCells > 0 ? sim.cellStride[sim.nDim] / plan.rowCells / plan.sheetRows : 0;
-    plan.stripRows =
-        std::clamp<std::int64_t>(cellsOfStrip / plan.rowCells, 4, std::max<std::int64_t>(plan.sheetRows, 4));
-}
-
-} // namespace
-
-namespace {
-
-/// All of a plan but the coefficients of slopes.
-StagePlan planRows(const SimState& sim, int threads, const RowKernels& kernels) {
-    StagePlan plan;
-    plan.kernels = &kernels;
-    plan.rowCells = sim.nCells > 0 ? sim.cellCount[1] : 1;
-    plan.paddedCells = plan.rowCells + 16; // what a vector may read beyond a row
-    plan.rows = sim.nCells / plan.rowCells;
-    layOutSheets(sim, plan);
-    plan.rowTraits.resize(static_cast<std::size_t>(plan.rows));
-    plan.dimensionTraits.resize(static_cast<std::size_t>(plan.rows * sim.nDim));
-    plan.imposedOfRow.resize(static_cast<std::size_t>(plan.rows + 1));
-    plan.sourcesOfRow.resize(static_cast<std::size_t>(plan.rows + 1));
-    plan.thinRow.resize(static_cast<std::size_t>(plan.rows));
-    for (std::int64_t row = 0; row < plan.rows; ++row) planRow(sim, plan, row);
-    plan.volume = planCoefficient(plan, &sim.cellVolume[0]);
-    plan.capacity = planCoefficient(plan, &sim.heatCapacity[0]);
-
-    const int wanted = threads > 0 ? threads : suitableThreads(sim.nCells);
-    const auto size = static_cast<int>(std::clamp<std::int64_t>(wanted, 1, std::max<std::int64_t>(plan.sheets, 1)));
-    plan.workspaces.resize(static_cast<std::size_t>(size));
-    for (StageWorkspace& workspace : plan.workspaces) {
-        workspace.openFaces.resize(static_cast<std::size_t>(2 * plan.paddedCells));
-        workspace.velocityCodes.resize(static_cast<std::size_t>(sim.nDim));
-    }
-    try {
-        plan.team = std::make_unique<ThreadTeam>(size);
-    } catch (const std::system_error&) { // the system grants no further thread
-        plan.workspaces.resize(1);
-        plan.team = std::make_unique<ThreadTeam>(1);
-    }
-    return plan;
-}
-
-} // namespace
-
-StagePlan planStages(const SimState& sim, int threads, const RowKernels& kernels) {
-    StagePlan plan = planRows(sim, threads, kernels);
-    planFaceCoefficients(sim, plan);
-    planResting(sim, plan);
-    return plan;
-}
-
-StagePlan planPrimitives(const SimState& sim) { return planRows(sim, 0, bestRowKernels()); }
-
 void runStage(SimState& sim, const Interface& ui, StagePlan& plan, int stage) {
     reviewResting(sim, plan);
     sweepRows(
         plan,
-        [&](StageWorkspace& workspace, std::int64_t row) { prepareUnlessSettled(sim, plan, workspace, stage, row); },
         [&](StageWorkspace& workspace, std::int64_t row) {
-            computeSlopesUnlessQuiet(sim, plan, workspace, stage, row);
+            if (!hasToBePrepared(plan, row)) return;
+            prepareRow(sim, plan, workspace, stage, row);
+            notePrepared(plan, stage, row);
+        },
+        [&](StageWorkspace& workspace, std::int64_t row) {
+            if (!hasToBeFinished(sim, plan, row)) return;
+            computeSlopeRow(sim, plan, workspace, stage, row);
+            noteFinished(sim, plan, stage, row);
         });
     tellFaultyCells(sim, ui, plan);
     if (sim.radActive == 1) radiationPairs(sim, stage);
