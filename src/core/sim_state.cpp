@@ -69,7 +69,9 @@ double stateBytes(int nDim, int nsMax, std::int64_t nCells) {
                            + 6.0 * nDim             // sizes, positions, areas, coefficients
                            + 10;                    // fields with one value a cell
     const double codes = nDim + 1 + 3;
-    return (static_cast<double>(nCells) + 1) * (4 * singles + 2 * codes);
+    const auto cells = static_cast<std::size_t>(nCells) + 1; // an array takes more than its values, for its place
+    return singles * static_cast<double>(ArrayPlace::distance(cells * sizeof(float)))
+           + codes * static_cast<double>(ArrayPlace::distance(cells * sizeof(std::int16_t)));
 }
 
 void clearGeometry(SimState& sim) {

@@ -14,8 +14,8 @@
 namespace norvane {
 namespace {
 
-// Which of two NaNs goes on from a sum follows from the order of its operands, which the language leaves to the
-// compiler. GCC, when it optimises, keeps the one of the formulas in both evaluations.
+// Which of two NaNs of different signs goes on from a sum follows from the order of its operands, which the language
+// leaves to the compiler. The NaNs of the models here keep their sign where GCC optimises.
 #if defined(__OPTIMIZE__) && !defined(__clang__)
 constexpr bool allNaNsAreEqual = false;
 #else
