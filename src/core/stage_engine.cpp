@@ -5,6 +5,8 @@
 #include "core/source_terms.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cmath>
 #include <functional>
 #include <string>
 
@@ -259,8 +261,8 @@ struct Share {
 };
 
 Share shareOf(const StagePlan& plan, int thread) {
-    const std::int64_t begin = plan.sheets * thread / plan.team->size();
-    const std::int64_t end = plan.sheets * (thread + 1) / plan.team->size();
+    const std::int64_t begin = plan.shares[static_cast<std::size_t>(thread)];
+    const std::int64_t end = plan.shares[static_cast<std::size_t>(thread) + 1];
     const std::int64_t firstFree = begin == 0 ? 0 : std::min(begin + plan.reach, end);
     const std::int64_t endFree = end == plan.sheets ? end : std::max(end - plan.reach, firstFree);
     return {begin, end, firstFree, endFree};
@@ -293,6 +295,28 @@ void sweepStrip(const StagePlan& plan,
     }
 }
 
+/// Moves the bounds of the shares a little to where all threads would have taken the same time: cores differ in what
+/// other programs leave of them, and sheets in how many of their rows rest.
+void balanceShares(StagePlan& plan) {
+    constexpr double pace = 0.1; // one odd stage must not upset the shares
+    const std::size_t threads = plan.workspaces.size();
+    double total = 0;
+    for (const StageWorkspace& workspace : plan.workspaces) total += workspace.seconds;
+    std::size_t thread = 0; // whose share the bound falls into
+    double before = 0;      // seconds of the shares before it
+    const std::vector<std::int64_t> old = plan.shares;
+    for (std::size_t k = 1; k < threads && total > 0; ++k) {
+        const double wanted = total * static_cast<double>(k) / static_cast<double>(threads);
+        while (thread + 1 < threads && before + plan.workspaces[thread].seconds < wanted)
+            before += plan.workspaces[thread++].seconds;
+        const double part = (wanted - before) / std::max(plan.workspaces[thread].seconds, 1e-9);
+        const double bound =
+            static_cast<double>(old[thread]) + part * static_cast<double>(old[thread + 1] - old[thread]);
+        const double moved = static_cast<double>(old[k]) + pace * (bound - static_cast<double>(old[k]));
+        plan.shares[k] = std::clamp(static_cast<std::int64_t>(std::llround(moved)), plan.shares[k - 1], plan.sheets);
+    }
+}
+
 /// Prepares all rows (their work state and primitives) and finishes all rows (their slopes), in one sweep as far as
 /// possible: a row is finished while its neighbours are still in the cache. `prepare` and `finish` take a row. Strips
 /// are so narrow that what a strip holds in the sheets within reach fits into the cache.
@@ -303,8 +327,10 @@ void sweepRows(StagePlan& plan, const Prepare& prepare, const Finish& finish) {
         const auto prepareRow = [&](std::int64_t row) { prepare(workspace, row); };
         const auto finishRow = [&](std::int64_t row) { finish(workspace, row); };
         const Share share = shareOf(plan, thread);
+        const auto start = std::chrono::steady_clock::now();
         for (std::int64_t from = 0; from < plan.sheetRows; from += plan.stripRows)
             sweepStrip(plan, share, from, std::min(from + plan.stripRows, plan.sheetRows), prepareRow, finishRow);
+        workspace.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
         plan.team->wait();
         for (std::int64_t sheet = share.begin; sheet < share.firstFree; ++sheet)
             forRows(plan, sheet, 0, plan.sheetRows, finishRow);
@@ -312,6 +338,7 @@ void sweepRows(StagePlan& plan, const Prepare& prepare, const Finish& finish) {
             forRows(plan, sheet, 0, plan.sheetRows, finishRow);
     };
     plan.team->run(std::ref(work)); // by reference: a step allocates nothing
+    balanceShares(plan);
 }
 
 } // namespace

@@ -139,6 +139,8 @@ StagePlan planRows(const SimState& sim, int threads, const RowKernels& kernels) 
         plan.workspaces.resize(1);
         plan.team = std::make_unique<ThreadTeam>(1);
     }
+    for (int thread = 0; thread <= plan.team->size(); ++thread)
+        plan.shares.push_back(plan.sheets * thread / plan.team->size());
     return plan;
 }
 

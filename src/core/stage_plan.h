@@ -48,6 +48,7 @@ struct Coefficient {
 struct StageWorkspace {
     std::vector<const std::int16_t*> velocityCodes; ///< of the row in hand, for each component; null: nothing is held
     std::vector<std::int64_t> openFaces;            ///< whether the lower and the upper faces of a row carry
+    double seconds = 0;                             ///< that the thread worked in this stage
     std::vector<std::int32_t> faultyCells;          ///< cells whose density is not at least 0, in this stage
 };
 
@@ -78,6 +79,7 @@ struct StagePlan {
     std::vector<std::uint8_t> thinRow; ///< [rows] 1: not all cells are denser than rhoFloor in this stage
     RestingRows resting;
     std::vector<StageWorkspace> workspaces; ///< one for each thread
+    std::vector<std::int64_t> shares;       ///< [threads + 1] the sheets of thread t: shares[t] .. shares[t + 1] - 1
     std::unique_ptr<ThreadTeam> team;
 };
 
