@@ -304,7 +304,7 @@ void balanceShares(StagePlan& plan) {
     for (const StageWorkspace& workspace : plan.workspaces) total += workspace.seconds;
     std::size_t thread = 0; // whose share the bound falls into
     double before = 0;      // seconds of the shares before it
-    const std::vector<std::int64_t> old = plan.shares;
+    const std::vector<std::int64_t>& old = plan.shares;
     for (std::size_t k = 1; k < threads && total > 0; ++k) {
         const double wanted = total * static_cast<double>(k) / static_cast<double>(threads);
         while (thread + 1 < threads && before + plan.workspaces[thread].seconds < wanted)
@@ -313,8 +313,10 @@ void balanceShares(StagePlan& plan) {
         const double bound =
             static_cast<double>(old[thread]) + part * static_cast<double>(old[thread + 1] - old[thread]);
         const double moved = static_cast<double>(old[k]) + pace * (bound - static_cast<double>(old[k]));
-        plan.shares[k] = std::clamp(static_cast<std::int64_t>(std::llround(moved)), plan.shares[k - 1], plan.sheets);
+        plan.nextShares[k] =
+            std::clamp(static_cast<std::int64_t>(std::llround(moved)), plan.nextShares[k - 1], plan.sheets);
     }
+    std::copy(plan.nextShares.begin(), plan.nextShares.end(), plan.shares.begin()); // a step allocates nothing
 }
 
 /// Prepares all rows (their work state and primitives) and finishes all rows (their slopes), in one sweep as far as
@@ -337,7 +339,7 @@ void sweepRows(StagePlan& plan, const Prepare& prepare, const Finish& finish) {
         for (std::int64_t sheet = share.endFree; sheet < share.end; ++sheet)
             forRows(plan, sheet, 0, plan.sheetRows, finishRow);
     };
-    plan.team->run(std::ref(work)); // by reference: a step allocates nothing
+    plan.team->run(std::ref(work)); // by reference, which allocates nothing
     balanceShares(plan);
 }
 

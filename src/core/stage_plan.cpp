@@ -141,6 +141,7 @@ StagePlan planRows(const SimState& sim, int threads, const RowKernels& kernels) 
     }
     for (int thread = 0; thread <= plan.team->size(); ++thread)
         plan.shares.push_back(plan.sheets * thread / plan.team->size());
+    plan.nextShares = plan.shares;
     return plan;
 }
 

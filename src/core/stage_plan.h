@@ -79,6 +79,7 @@ struct StagePlan {
     std::vector<std::uint8_t> thinRow; ///< [rows] 1: not all cells are denser than rhoFloor in this stage
     RestingRows resting;
     std::vector<StageWorkspace> workspaces; ///< one for each thread
+    std::vector<std::int64_t> nextShares;   ///< those of the next stage
     std::vector<std::int64_t> shares;       ///< [threads + 1] the sheets of thread t: shares[t] .. shares[t + 1] - 1
     std::unique_ptr<ThreadTeam> team;
 };

@@ -28,8 +28,10 @@ void MeetingPlace::arriveAndWait() {
     const unsigned meeting = meetings_;
     arrive();
     const auto end = std::chrono::steady_clock::now() + awake;
-    while (meetings_ == meeting && std::chrono::steady_clock::now() < end)
-        for (int k = 0; k < 32 && meetings_ == meeting; ++k) rest();
+    while (meetings_ == meeting && std::chrono::steady_clock::now() < end) {
+        for (int k = 0; k < 64 && meetings_ == meeting; ++k) rest();
+        std::this_thread::yield(); // the one that is waited for may stand in line for this very core
+    }
     meetings_.wait(meeting);
 }
 
