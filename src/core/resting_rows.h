@@ -20,7 +20,7 @@ struct RestingRows {
     std::vector<std::uint8_t> unchanged;  ///< nothing was formed in this stage
     std::vector<std::uint8_t> quiet;      ///< stages in which the slopes followed from the same values, up to 4
     std::uint64_t revision = 0;           ///< SimState::revision when the flags were right
-    bool enabled = true;
+    bool enabled = true;                  ///< false: every row is computed, to measure what resting saves
 };
 
 /// Sets the flags of a plan whose rows are settled otherwise.

@@ -1,6 +1,6 @@
 #pragma once
-// The arithmetic of a stage on whole rows of cells: plain loops without branches, which a compiler turns into vectors.
-// One set of them is compiled for each instruction set; all give the same bits, those of the formulas cell by cell:
+// The arithmetic of a stage on whole rows of cells: loops over blocks of as many cells as a register holds. One set of
+// them is compiled for each instruction set; all give the same bits, those of the formulas cell by cell:
 // expressions in double from left to right, one rounding to single at each store and each accumulation. Only a sum, a
 // difference or a quotient of two singles is taken in single, which rounds to the same.
 
@@ -50,11 +50,10 @@ struct PreparedRows {
     float* temperature = nullptr;
     ComponentRows<float> velocities;
     float* pressure = nullptr;
-    const std::int16_t* speciesCode = nullptr;       ///< other than 0 keeps the masses, negative the pressure
-    const std::int16_t* energyCode = nullptr;        ///< other than 0 keeps the heat, negative the temperature
-    const std::int16_t* concentrationCode = nullptr; ///< negative keeps the concentrations
-    const std::int16_t* const* velocityCodes =
-        nullptr; ///< for each component: other than 0 keeps momentum and velocity
+    const std::int16_t* speciesCode = nullptr;          ///< other than 0 keeps the masses, negative the pressure
+    const std::int16_t* energyCode = nullptr;           ///< other than 0 keeps the heat, negative the temperature
+    const std::int16_t* concentrationCode = nullptr;    ///< negative keeps the concentrations
+    const std::int16_t* const* velocityCodes = nullptr; ///< of the components: other than 0 keeps momentum, velocity
 };
 
 /// The faces below and above the cells of a row along one dimension, with what they carry. Each pointer leads to the
@@ -101,8 +100,7 @@ struct PullRows {
     const std::int16_t* wholeCode = nullptr;
 };
 
-/// All rows begin at the cell that a pointer leads to, and have `count` cells. A `code` row keeps what it says from
-/// being written where its codes are not as told.
+/// All rows begin at the cell that a pointer leads to, and have `count` cells.
 struct RowKernels {
     const char* name; ///< of the instruction set
 
