@@ -6,6 +6,7 @@
 #include "exchange/number_items.h"
 #include "exchange/state_file.h"
 #include "platform/files.h"
+#include "platform/safe_file.h"
 
 #include <benchmark/benchmark.h>
 

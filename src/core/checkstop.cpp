@@ -12,8 +12,9 @@ namespace {
 constexpr const char* stopFileName = "checkstop";
 
 int readStopValue() {
+    constexpr std::size_t mostBytes = 64; // of a number and what separates it; anybody may have written anything
     std::string content;
-    if (!readFile(stopFileName, content)) return 0;
+    if (!readBeginning(stopFileName, mostBytes, content)) return 0;
     const std::size_t begin = content.find_first_not_of(" \t\r\n");
     if (begin == std::string::npos) return 0;
     const std::size_t end = std::min(content.find_first_of(" \t\r\n,", begin), content.size());

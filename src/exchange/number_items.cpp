@@ -64,18 +64,21 @@ std::size_t wholeItems(std::string_view text) {
     return length;
 }
 
-std::int64_t lineOfItem(const NumberItems& items) {
-    const std::string_view before = items.text.substr(0, items.item);
-    std::int64_t line = 1;
-    for (std::size_t at = 0; at < before.size(); ++at) {
-        const bool isPair = before[at] == '\r' && before.substr(at + 1, 1) == "\n"; // counted by its second half
-        if (before[at] == '\n' || (before[at] == '\r' && !isPair)) ++line;
+void LineCount::pass(std::string_view text) {
+    for (const char c : text) {
+        if (c == '\r' || (c == '\n' && !afterReturn)) ++line;
+        afterReturn = c == '\r';
     }
-    return line;
 }
 
-std::string itemFault(const NumberItems& items, ItemKind kind, const std::string& wanted) {
-    return "line " + std::to_string(lineOfItem(items)) + ": "
+std::int64_t lineOfItem(const NumberItems& items) {
+    LineCount lines;
+    lines.pass(items.text.substr(0, items.item));
+    return lines.line;
+}
+
+std::string itemFault(std::int64_t line, ItemKind kind, const std::string& wanted) {
+    return "line " + std::to_string(line) + ": "
            + (kind == ItemKind::endOfText ? "the file ends before "
                                           : "a text that is no number stands in the place of ")
            + wanted;

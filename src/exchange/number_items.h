@@ -30,11 +30,19 @@ ItemKind readWhole(NumberItems& items, std::int32_t& value);
 /// The length of a text up to its last separator: what may follow can't change the items before it.
 std::size_t wholeItems(std::string_view text);
 
+/// Counts the lines of a text that passes piece by piece. A carriage return and a line feed end one line together.
+struct LineCount {
+    std::int64_t line = 1; ///< in which the next byte stands
+    bool afterReturn = false;
+
+    void pass(std::string_view text);
+};
+
 /// The line, counted from 1, in which the item read last stands.
 std::int64_t lineOfItem(const NumberItems& items);
 
-/// For a message: the line of the item read last, and that it is not the number that was looked for.
+/// For a message: the line of an item, and that it is not the number that was looked for.
 ///   wanted  what belongs there, such as "the step count"
-std::string itemFault(const NumberItems& items, ItemKind kind, const std::string& wanted);
+std::string itemFault(std::int64_t line, ItemKind kind, const std::string& wanted);
 
 } // namespace norvane

@@ -1,7 +1,9 @@
 #include "exchange/spectrum.h"
 
 #include "core/number_text.h"
+#include "platform/available_memory.h"
 #include "platform/files.h"
+#include "platform/safe_file.h"
 
 #include <algorithm>
 #include <cmath>
@@ -85,7 +87,7 @@ void appendRow(std::string& text, double waveNumber, double power) {
 
 /// Whether the rows may fill the memory. A quarter of it is the limit: the model has to stay in there as well.
 bool fitsMemory(std::int64_t rows) {
-    const double memory = physicalMemory();
+    const double memory = availableMemory();
     return memory == 0 || double(rows) * double(rowLimit) <= memory / 4;
 }
 
@@ -157,7 +159,7 @@ bool writeSpectrum(SimState& sim, Interface& ui, std::int32_t pointCount) {
         ui.showMessage("An error occured opening the file");
         return false;
     }
-    const FileResult written = overwriteFile(spectrumPath(sim), text);
+    const OverwriteResult written = overwriteFile(spectrumPath(sim), text);
     if (!written) {
         ui.showMessage(std::string("The spectrum file ") + fileName + " can't be written: " + written.reason + ".");
         return false;

@@ -5,6 +5,7 @@
 #include "exchange/number_items.h"
 #include "geometry/model_build.h"
 #include "platform/files.h"
+#include "platform/safe_file.h"
 
 #include <algorithm>
 #include <new>
@@ -99,6 +100,7 @@ bool formatState(const SimState& sim, std::string& text) {
 // --- recalling -----------------------------------------------------------------------------------------------------
 
 constexpr int headerLines = 4;
+constexpr std::size_t longestItem = 500; ///< bytes of a text that may still become a number
 
 /// What a recall takes of a state file, which passes by piece by piece: its text is many times as large as its numbers.
 struct StateReader {
@@ -149,6 +151,11 @@ bool takePiece(StateReader& reader, std::string_view piece) {
     const std::size_t inPiece = wholeItems(piece);
     const std::size_t whole = inPiece == 0 ? 0 : reader.text.size() + inPiece;
     reader.text += piece;
+    if (whole == 0 && reader.text.size() > longestItem) { // no separator for so long
+        reader.items = {reader.text};
+        reader.latest = ItemKind::otherText;
+        return false;
+    }
     readItems(reader, std::string_view(reader.text).substr(0, whole));
     if (reader.done() || !reader.fitsCells || reader.latest == ItemKind::otherText) return false;
     reader.text.erase(0, whole);
@@ -156,8 +163,15 @@ bool takePiece(StateReader& reader, std::string_view piece) {
     return true;
 }
 
-FileResult readState(const std::string& path, StateReader& reader) {
-    const FileResult read = readPieces(path, [&](std::string_view piece) { return takePiece(reader, piece); });
+/// Reads groups A to C. `disturbed`: another process was saving the file meanwhile.
+FileResult readState(const std::string& path, const SimState& sim, StateReader& reader, bool& disturbed) {
+    const auto begin = [&] {
+        reader = StateReader();
+        reader.cells = sim.nCells;
+        reader.wanted = static_cast<std::size_t>(sim.nCells) * static_cast<std::size_t>(sim.nDim + 1 + sim.nsMax + 1);
+    };
+    const auto take = [&](std::string_view piece) { return takePiece(reader, piece); };
+    const FileResult read = readWholeFile(path, {begin, take}, disturbed);
     const bool endsEarly = !reader.done() && reader.fitsCells && reader.latest != ItemKind::otherText;
     if (read && endsEarly) readItems(reader, reader.text); // the last item may lack a separator behind it
     return read;
@@ -175,15 +189,32 @@ std::string nameOfItem(const StateReader& reader, const SimState& sim) {
     return "the mass of species " + std::to_string(block - sim.nDim - 1) + place;
 }
 
+/// The line, counted from 1, of a byte of the file, which is read once more for that.
+std::int64_t lineOfByte(const std::string& path, std::size_t byte) {
+    LineCount lines;
+    std::size_t left = 0;
+    const auto begin = [&] {
+        lines = LineCount();
+        left = byte;
+    };
+    const auto take = [&](std::string_view piece) {
+        lines.pass(piece.substr(0, left));
+        left -= std::min(left, piece.size());
+        return left > 0;
+    };
+    bool ignored = false;
+    readWholeFile(path, {begin, take}, ignored);
+    return lines.line;
+}
+
 /// The message about what is wrong with the file; empty: nothing.
 std::string faultOfState(const StateReader& reader, const SimState& sim) {
     if (!reader.fitsCells) return "incorrect number of cells in saved state";
     if (reader.done()) return "";
-    std::string text; // once more, to count its lines
-    readFile(statePath(sim), text);
-    const std::size_t item = reader.passed + reader.items.item;
-    return stateName(sim) + ", " + itemFault({text, item, item}, reader.latest, nameOfItem(reader, sim)) + "." + lineEnd
-           + "Nothing was recalled: the model stands as built from its geometry.";
+    return stateName(sim) + ", "
+           + itemFault(lineOfByte(statePath(sim), reader.passed + reader.items.item), reader.latest,
+                       nameOfItem(reader, sim))
+           + "." + lineEnd + "Nothing was recalled: the model stands as built from its geometry.";
 }
 
 /// Into both slots: before the first run of a program the primitives are derived from slot 0, later from slot 5. The
@@ -201,6 +232,15 @@ void takeState(SimState& sim, const std::vector<float>& values) {
     for (int species = 0; species <= sim.nsMax; ++species) take(sim.stageSpecies, species);
 }
 
+/// What a message says of the file after a save that failed.
+const char* contentAfter(FileHolds holds) {
+    switch (holds) {
+    case FileHolds::oldContent: return "the file is as it was before this save.";
+    case FileHolds::newContent: return "the file holds it all the same, and \"Recall\" finds it there.";
+    default: return "what the file holds is incomplete.";
+    }
+}
+
 } // namespace
 
 bool saveState(SimState& sim, Interface& ui) {
@@ -216,10 +256,10 @@ bool saveState(SimState& sim, Interface& ui) {
     const FileResult opened = tryOpenForWriting(statePath(sim));
     sim.openError = opened.error;
     if (!opened) return fail(openFault);
-    const FileResult written = overwriteFile(statePath(sim), text);
+    const OverwriteResult written = overwriteFile(statePath(sim), text);
     if (!written)
         return fail("The state file " + stateName(sim) + " can't be written: " + written.reason + "." + lineEnd
-                    + "The state in memory is unchanged; what the file holds may be incomplete.");
+                    + "The state in memory is unchanged; " + contentAfter(written.holds));
     return true;
 }
 
@@ -233,12 +273,13 @@ bool recallState(SimState& sim, Interface& ui) {
     sim.openError = opened.error;
     if (!opened) return fail(openFault);
     StateReader reader;
-    reader.cells = sim.nCells;
-    reader.wanted = static_cast<std::size_t>(sim.nCells) * static_cast<std::size_t>(sim.nDim + 1 + sim.nsMax + 1);
-    const FileResult read = readState(statePath(sim), reader);
+    bool disturbed = false;
+    const FileResult read = readState(statePath(sim), sim, reader, disturbed);
     if (!read)
         return fail("The state file " + stateName(sim) + " can't be read: " + read.reason + "." + lineEnd
                     + "Nothing has changed.");
+    if (disturbed)
+        ui.showMessage("Another process was saving " + stateName(sim) + " at this moment; it was read again, whole.");
     sim.runMode = modeModelStands; // not modeGeometryRead: the build must not empty the log
     buildModel(sim, ui);
     const std::string fault = faultOfState(reader, sim);

@@ -49,7 +49,7 @@ bool fail(RadReader& reader, const std::string& what) {
 }
 
 bool accept(RadReader& reader, ItemKind kind, const char* wanted) {
-    return kind == ItemKind::number || fail(reader, itemFault(reader.items, kind, wanted));
+    return kind == ItemKind::number || fail(reader, itemFault(lineOfItem(reader.items), kind, wanted));
 }
 
 /// The last of three numbers holds.
@@ -114,6 +114,14 @@ void takeTable(SimState& sim, const PairTable& table) {
     sim.sigmaRoot = std::pow(radiationConstant, 1.0 / 4.0);
 }
 
+/// Reads the file; of one that begins with no separator for longer than any number is, no more than that.
+FileResult readNumbers(const std::string& path, std::string& bytes) {
+    constexpr std::size_t longestItem = std::size_t{1} << 12;
+    const FileResult read = readBeginning(path, longestItem, bytes);
+    if (!read || bytes.size() < longestItem || wholeItems(bytes) == 0) return read;
+    return readFile(path, bytes);
+}
+
 /// Gives what is wrong with the file; empty when its table is in force.
 std::string importTable(SimState& sim, std::string bytes) {
     try {
@@ -140,7 +148,7 @@ void importViewFactors(SimState& sim, Interface& ui) {
         return;
     }
     std::string bytes;
-    const FileResult read = readFile(radPath(sim), bytes);
+    const FileResult read = readNumbers(radPath(sim), bytes);
     const std::string fault = read ? importTable(sim, std::move(bytes)) : "it can't be read: " + read.reason;
     if (!fault.empty()) {
         ui.showMessage(radName(sim) + ", " + fault + "." + unchangedText);

@@ -2,6 +2,7 @@
 
 #include "geometry/cell_keywords.h"
 #include "geometry/text_encoding.h"
+#include "platform/available_memory.h"
 #include "platform/files.h"
 
 #include <algorithm>
@@ -53,14 +54,26 @@ void takeNames(SimState& sim, const Interface& ui) {
     sim.graphTitle = sim.baseName;
 }
 
+/// Whether a file begins with more than any cell's text: given up before all of it fills the memory.
+bool hasNoSeparator(const std::string& path) {
+    constexpr std::size_t longestText = std::size_t{1} << 20;
+    std::string beginning;
+    const FileResult read = readBeginning(path, longestText, beginning);
+    return read && beginning.size() == longestText && beginning.find_first_of("\t\r\n") == std::string::npos;
+}
+
 /// Reads the file and takes its table. The new table is held back until all yields are over: a command that runs in one
 /// of them still finds the old grid whole.
 bool readTable(Load& load) {
     SimState& sim = load.sim;
     Interface& ui = load.ui;
     if (sim.fileName.empty()) return fail(load, "Select a geometry file in the list first.");
+    const std::string path = joinPath(sim.inputDir, sim.fileName);
     std::string bytes;
-    const FileResult read = readFile(joinPath(sim.inputDir, sim.fileName), bytes);
+    if (hasNoSeparator(path))
+        return fail(load, "The geometry file " + sim.fileName + " is no table: there is no tab and no line end in it."
+                              + lineEnd + "Save the table of the geometry as tab-separated text under this name.");
+    const FileResult read = readFile(path, bytes);
     if (!read) return fail(load, "The geometry file " + sim.fileName + " can't be read: " + read.reason + ".");
     CellTextTable table(toUtf8(std::move(bytes)));
     load.rowCount = table.rowCount();
@@ -200,7 +213,7 @@ bool countCells(Load& load) {
 bool createArrays(Load& load) {
     SimState& sim = load.sim;
     const double needed = stateBytes(sim.nDim, sim.nsMax, sim.nCells);
-    const double memory = physicalMemory();
+    const double memory = availableMemory();
     if (memory == 0 || needed <= memory) {
         showCellStructure(sim, load.ui);
         sim.runMode = modeGeometryRead;
@@ -208,7 +221,8 @@ bool createArrays(Load& load) {
     }
     return failAt(load, load.rowCount,
                   "the model of this table needs " + std::to_string(static_cast<std::int64_t>(needed / 1e6))
-                      + " MB of memory, more than there is. Draw a coarser grid, or take fewer species.");
+                      + " MB of memory, and " + std::to_string(static_cast<std::int64_t>(memory / 1e6))
+                      + " MB are free. Draw a coarser grid, or take fewer species.");
 }
 
 bool loadTable(Load& load) {

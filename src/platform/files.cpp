@@ -1,102 +1,35 @@
-#include "platform/files.h"
+#include "platform/open_file.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <exception>
 #include <filesystem>
-#include <memory>
 #include <system_error>
 
-#ifdef _WIN32
-#    include <io.h>
-#    include <windows.h>
-#else
+#ifndef _WIN32
 #    include <sys/stat.h>
-#    include <unistd.h>
 #endif
 
 namespace norvane {
 
 namespace {
 
-struct Closer {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-using File = std::unique_ptr<std::FILE, Closer>;
-
-constexpr int notAFile = EINVAL; ///< told by openFile of pipes, sockets and, for reading, devices
-
-FileResult failure(int number) {
-    if (number == 0) number = EIO; // a fault that the library does not number
-    if (number == notAFile) return {number, "it is not a file"};
-    return {number, std::generic_category().message(number)};
-}
-
-/// Opens a regular file; for writing also a device, such as the null device that a link may lead to. Anything else is
-/// refused before it is opened: a folder fails late and unclearly, and a pipe may wait for ever.
-File openFile(const std::string& path, const char* mode) {
-    std::error_code ignored;
-    const auto type = std::filesystem::status(path, ignored).type();
-    using std::filesystem::file_type;
-    const bool isReading = mode[0] == 'r' && mode[1] == 'b';
-    const bool isDevice = type == file_type::character || type == file_type::block;
-    if (type == file_type::directory || type == file_type::fifo || type == file_type::socket
-        || (isDevice && isReading)) {
-        errno = type == file_type::directory ? EISDIR : notAFile;
-        return nullptr;
+FileResult writeThrough(const std::string& path, Access access, std::string_view content) {
+    FileResult result;
+    File file = openFile(path, access, result);
+    if (!file) return result;
+    const std::int64_t oldLength = access == Access::append && isRegular(file.get()) ? lengthOf(file.get()) : -1;
+    errno = 0;
+    if (!writeAll(file.get(), content)) {
+        result = failure(errno);
+        if (oldLength >= 0) cutTo(file.get(), oldLength); // half a line would be continued when there is room again
+        return result;
     }
     errno = 0;
-    return File(std::fopen(path.c_str(), mode));
-}
-
-bool writeAll(std::FILE* file, std::string_view content) {
-    if (content.empty()) return true;
-    return std::fwrite(content.data(), 1, content.size(), file) == content.size() && std::fflush(file) == 0;
-}
-
-bool flushToDisc(std::FILE* file) {
-#ifdef _WIN32
-    return ::_commit(::_fileno(file)) == 0;
-#else
-    return ::fsync(::fileno(file)) == 0 || errno == EINVAL || errno == EROFS; // a pipe or device has nothing to flush
-#endif
-}
-
-bool cutTo(std::FILE* file, std::size_t length) {
-#ifdef _WIN32
-    return ::_chsize_s(::_fileno(file), static_cast<long long>(length)) == 0;
-#else
-    return ::ftruncate(::fileno(file), static_cast<off_t>(length)) == 0 || errno == EINVAL;
-#endif
-}
-
-/// Makes a file at least so long, so that a full disc shows before anything in it is lost; leaves it as it was where
-/// that can't be done. The position is at its beginning afterwards.
-bool makeRoom(std::FILE* file, std::size_t length) {
-    if (std::fseek(file, 0, SEEK_END) != 0) return false;
-    const long end = std::ftell(file);
-    if (end < 0) return false;
-    const auto oldLength = static_cast<std::size_t>(end);
-    if (oldLength < length && !(writeAll(file, std::string(length - oldLength, ' ')) && flushToDisc(file))) {
-        const int number = errno;
-        cutTo(file, oldLength);
-        errno = number;
-        return false;
-    }
-    return std::fseek(file, 0, SEEK_SET) == 0;
-}
-
-FileResult writeThrough(const std::string& path, const char* mode, std::string_view content) {
-    File file = openFile(path, mode);
-    if (!file) return failure(errno);
-    errno = 0;
-    if (!writeAll(file.get(), content)) return failure(errno);
-    if (std::fclose(file.release()) != 0) return failure(errno); // some file systems tell a full disc only here
+    if (std::fclose(file.release()) != 0) return failure(errno); // some file systems report a full disc only here
     return {};
 }
 
@@ -127,22 +60,24 @@ std::string nameOf(const std::string& path) { return std::filesystem::path(path)
 
 FileResult readFile(const std::string& path, std::string& content) try {
     content.clear();
-    File file = openFile(path, "rb");
-    if (!file) return failure(errno);
-    std::error_code ignored;
-    const auto size = std::filesystem::file_size(path, ignored);
+    FileResult result;
+    const File file = openFile(path, Access::read, result);
+    if (!file) return result;
+    const std::int64_t size = lengthOf(file.get());
     constexpr std::size_t blockSize = 1 << 16;
     std::size_t length = 0;
-    content.resize(ignored ? blockSize : static_cast<std::size_t>(size) + 1);
-    for (;;) {
-        errno = 0;
-        length += std::fread(content.data() + length, 1, content.size() - length, file.get());
+    content.resize(size < 0 ? blockSize : static_cast<std::size_t>(size) + 1);
+    errno = 0;
+    bool whole = seekTo(file.get(), 0);
+    while (whole) {
+        std::size_t got = 0;
+        whole = readAll(file.get(), content.data() + length, content.size() - length, got);
+        length += got;
         if (length < content.size()) break;
-        content.resize(content.size() + content.size() / 2 + blockSize); // the file grew, or its size is not told
+        content.resize(content.size() + content.size() / 2 + blockSize); // the file has grown
     }
-    const bool failed = std::ferror(file.get()) != 0;
-    content.resize(failed ? 0 : length);
-    return failed ? failure(errno) : FileResult{};
+    content.resize(whole ? length : 0);
+    return whole ? FileResult{} : failure(errno);
 
 } catch (const std::exception&) { // no memory for so much
 
@@ -150,49 +85,32 @@ FileResult readFile(const std::string& path, std::string& content) try {
     return failure(ENOMEM);
 }
 
-FileResult readPieces(const std::string& path, const std::function<bool(std::string_view piece)>& take) try {
-    File file = openFile(path, "rb");
-    if (!file) return failure(errno);
-    std::string piece(std::size_t{1} << 17, '\0'); // stays in the cache while it is taken
-    for (;;) {
-        errno = 0;
-        const std::size_t length = std::fread(piece.data(), 1, piece.size(), file.get());
-        if (std::ferror(file.get()) != 0) return failure(errno);
-        if (length == 0 || !take(std::string_view(piece).substr(0, length))) return {};
-    }
-
-} catch (const std::exception&) { // no memory for a piece, or for what is made of it
-
-    return failure(ENOMEM);
+FileResult readBeginning(const std::string& path, std::size_t bytes, std::string& content) {
+    content.clear();
+    FileResult result;
+    const File file = openFile(path, Access::read, result);
+    if (!file) return result;
+    content.resize(bytes);
+    std::size_t got = 0;
+    if (!readAll(file.get(), content.data(), bytes, got)) result = failure(errno);
+    content.resize(got);
+    return result;
 }
 
-FileResult writeFile(const std::string& path, std::string_view content) { return writeThrough(path, "wb", content); }
+FileResult writeFile(const std::string& path, std::string_view content) {
+    return writeThrough(path, Access::replace, content);
+}
 
-FileResult appendFile(const std::string& path, std::string_view content) { return writeThrough(path, "ab", content); }
-
-FileResult overwriteFile(const std::string& path, std::string_view content) {
-    File file = openFile(path, "r+b");
-    if (!file && errno == ENOENT) file = openFile(path, "wb");
-    if (!file) return failure(errno);
-    errno = 0;
-    std::FILE* const to = file.get();
-    if (!makeRoom(to, content.size())) return failure(errno);
-    const std::string_view rest = content.empty() ? content : content.substr(1);
-    // Until all else is safe a mark stands in the first place, so that no reader takes a mixture of old and new for
-    // whole.
-    const bool written = writeAll(to, "#") && flushToDisc(to) && writeAll(to, rest) && cutTo(to, content.size())
-                         && flushToDisc(to) && std::fseek(to, 0, SEEK_SET) == 0 && writeAll(to, content.substr(0, 1))
-                         && flushToDisc(to);
-    if (!written) return failure(errno);
-    if (std::fclose(file.release()) != 0) return failure(errno);
-    return {};
+FileResult appendFile(const std::string& path, std::string_view content) {
+    return writeThrough(path, Access::append, content);
 }
 
 FileResult replaceFile(const std::string& path, std::string_view content) {
     namespace fs = std::filesystem;
+    FileResult result;
+    const std::string target = outputTarget(path, result); // a link stays, and leads to the new file
+    if (!result) return result;
     std::error_code failed;
-    const fs::path linked = fs::weakly_canonical(path, failed); // a link stays, and leads to the new file
-    const std::string target = failed ? path : linked.string();
     const bool exists = fs::exists(target, failed);
     if (exists && !fs::is_regular_file(target, failed))
         return writeFile(path, content); // a device takes it as it comes
@@ -205,10 +123,14 @@ FileResult replaceFile(const std::string& path, std::string_view content) {
         if (!file && errno != EEXIST) return failure(errno);
     }
     if (!file) return failure(EEXIST);
+    std::setvbuf(file.get(), nullptr, _IONBF, 0);
     errno = 0;
     bool written = writeAll(file.get(), content);
-    if (std::fclose(file.release()) != 0) written = false;
-    const int number = errno;
+    int number = errno;
+    if (std::fclose(file.release()) != 0 && written) {
+        written = false;
+        number = errno;
+    }
     if (written) fs::rename(beside, target, failed);
     if (written && !failed) return {};
     const FileResult fault = written ? FileResult{failed.value(), failed.message()} : failure(number);
@@ -217,13 +139,15 @@ FileResult replaceFile(const std::string& path, std::string_view content) {
 }
 
 FileResult tryOpenForWriting(const std::string& path) {
-    const File file = openFile(path, "ab");
-    return file ? FileResult{} : failure(errno);
+    FileResult result;
+    openFile(path, Access::append, result);
+    return result;
 }
 
 FileResult tryOpenForReading(const std::string& path) {
-    const File file = openFile(path, "rb");
-    return file ? FileResult{} : failure(errno);
+    FileResult result;
+    openFile(path, Access::read, result);
+    return result;
 }
 
 FileResult removeFile(const std::string& path) {
@@ -293,25 +217,6 @@ FileStamp stampOf(const std::string& path) {
             nanoseconds(told.st_ctim),
             std::uint64_t{told.st_dev},
             std::uint64_t{told.st_ino}};
-#endif
-}
-
-double physicalMemory() {
-#ifdef _WIN32
-    MEMORYSTATUSEX status{};
-    status.dwLength = sizeof status;
-    return GlobalMemoryStatusEx(&status) ? static_cast<double>(status.ullTotalPhys) : 0;
-#else
-    const long pages = ::sysconf(_SC_PHYS_PAGES);
-    const long pageSize = ::sysconf(_SC_PAGESIZE);
-    double bytes = pages > 0 && pageSize > 0 ? static_cast<double>(pages) * static_cast<double>(pageSize) : 0;
-    // A container may grant less than the machine has.
-    std::string limit;
-    if (readFile("/sys/fs/cgroup/memory.max", limit) && !limit.empty() && limit[0] >= '0' && limit[0] <= '9') {
-        const double granted = std::strtod(limit.c_str(), nullptr);
-        if (bytes == 0 || granted < bytes) bytes = granted;
-    }
-    return bytes;
 #endif
 }
 

@@ -1,9 +1,9 @@
 #pragma once
-// Whole-file operations. Everything that needs a call of the operating system lies behind these.
+// Whole-file operations. Everything that needs a call of the operating system lies behind these. None waits for another
+// process, and none writes through a link that somebody else may have laid: see open_file.h.
 
 #include <cstdint>
 #include <ctime>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,19 +36,14 @@ std::string programPath(const std::string& calledName);
 /// Reads all bytes of a file. On failure `content` is empty.
 FileResult readFile(const std::string& path, std::string& content);
 
-/// Reads a file from its beginning, a piece at a time, until `take` gives false or the file ends. Memory that is short
-/// in `take` counts as a failure of the read.
-FileResult readPieces(const std::string& path, const std::function<bool(std::string_view piece)>& take);
+/// Reads at most so many bytes from the beginning of a file.
+FileResult readBeginning(const std::string& path, std::size_t bytes, std::string& content);
 
 /// Replaces the content of a file, which is created if need be.
 FileResult writeFile(const std::string& path, std::string_view content);
 
-/// Adds bytes behind the end of a file, which is created if need be.
+/// Adds bytes at the end of a file, which is created if need be; at a fault it is left as it was.
 FileResult appendFile(const std::string& path, std::string_view content);
-
-/// Writes over the old content in place without emptying it first, cuts the file to its new length and flushes it to
-/// the disc, so that a full disc or a crash costs as little of the old content as it can.
-FileResult overwriteFile(const std::string& path, std::string_view content);
 
 /// Replaces a file by way of a new one beside it: the name stands for the old content or the whole new one. A link
 /// stays a link. Nothing that others have made beside it is touched.
@@ -81,9 +76,6 @@ struct FileStamp {
 };
 
 FileStamp stampOf(const std::string& path);
-
-/// Bytes of memory that this process may hope for; 0 when the system does not tell.
-double physicalMemory();
 
 /// The local date and time.
 std::tm localTime();
