@@ -38,7 +38,7 @@ private:
 
 /// Loads and builds the table "bench.gmt" of a folder, without the message about the cells.
 inline void loadAndBuild(SimState& sim, Interface& ui, const BenchFolder& folder) {
-    ui.showMessage = [](const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); };
+    ui.showMessage = [](const Report& report) { std::fprintf(stderr, "%s\n", report.text.c_str()); };
     ui.NV_in.Dir1.path = folder.path.string();
     ui.NV_in.File1.selected = "bench.gmt";
     sim.batchMode = 1;

@@ -9,7 +9,7 @@ using namespace norvane;
 
 namespace {
 
-void printHottest(const SimState& sim) {
+void printHottest(SimState& sim) {
     std::int32_t hottest = 1;
     for (std::int32_t cell = 2; cell <= sim.nCells; ++cell)
         if (sim.temperature[cell] > sim.temperature[hottest]) hottest = cell;
@@ -26,9 +26,9 @@ int main(int argc, char** argv) {
     }
     Program program;
     connectProgram(program);
-    program.ui.showMessage = [](const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); };
+    program.ui.showMessage = [](const Report& report) { std::fprintf(stderr, "%s\n", report.text.c_str()); };
     // In place of the picture: this program looks at the fields themselves.
-    program.operations.plotField = [](SimState& sim, Interface&) { printHottest(sim); };
+    program.operations.output("plot").write = printHottest;
     program.sim.batchMode = 1; // no message about the shape of the grid
     selectGeometry(program, argv[1]);
     loadGeometry(program.sim, program.ui);

@@ -39,21 +39,21 @@ int watchedStopValue(StopFileWatch& watch) {
 
 } // namespace
 
-void clearCheckstop(SimState& sim, const Interface& ui) {
+void clearCheckstop(SimState& sim, const RunEvents& events) {
     if (sim.onlyLooks) return; // it may belong to a run in the same folder
     const FileResult written = writeFile(stopFileName, " 0 \r\n");
     if (written || sim.told.stopFile) return;
     sim.told.stopFile = true;
-    ui.showMessage("The file checkstop can't be written: " + written.reason
-                   + ".\r\nThe run goes on, but an outside process can't stop it through that file.");
+    events.showMessage("The file checkstop can't be written: " + written.reason
+                       + ".\r\nThe run goes on, but an outside process can't stop it through that file.");
 }
 
-void pollCheckstop(SimState& sim, Interface& ui, const RunOperations& operations, StopFileWatch& watch) {
+void pollCheckstop(SimState& sim, const RunEvents& events, const RunOperations& operations, StopFileWatch& watch) {
     if (watchedStopValue(watch) != 1) return;
-    if (operations.showExitQuestion) operations.showExitQuestion(sim, ui);
+    if (operations.showExitQuestion) operations.showExitQuestion(sim);
     sim.stopFlag = 1;
     sim.outcome.stopFile = true;
-    clearCheckstop(sim, ui);
+    clearCheckstop(sim, events);
 }
 
 } // namespace norvane

@@ -3,13 +3,14 @@
 
 #include "core/run_operations.h"
 #include "platform/files.h"
+#include "platform/run_events.h"
 
 #include <chrono>
 
 namespace norvane {
 
 /// Writes the value 0 into the stop file, which is created if need be. A fault is told once for a run, which goes on.
-void clearCheckstop(SimState& sim, const Interface& ui);
+void clearCheckstop(SimState& sim, const RunEvents& events);
 
 /// The latest read of the stop file. It is not read again while its stamp stays, since a run polls it at every step;
 /// but a stamp is trusted only when it had stood for a while at that read, so that no later write can carry it too.
@@ -26,6 +27,6 @@ struct StopFileWatch {
 
 /// Ends the run and brings up the exit question when the stop file holds 1, and clears the file again. A file that is
 /// missing, empty or holds something other than a number counts as 0.
-void pollCheckstop(SimState& sim, Interface& ui, const RunOperations& operations, StopFileWatch& watch);
+void pollCheckstop(SimState& sim, const RunEvents& events, const RunOperations& operations, StopFileWatch& watch);
 
 } // namespace norvane

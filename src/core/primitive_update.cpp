@@ -34,9 +34,9 @@ void imposeHeldValues(SimState& sim, std::int32_t cell) {
     }
 }
 
-void updatePrimitives(SimState& sim, const Interface& ui) {
+void updatePrimitives(SimState& sim, const RunEvents& events) {
     StagePlan plan = planPrimitives(sim);
-    derivePrimitives(sim, ui, plan);
+    derivePrimitives(sim, events, plan);
 }
 
 } // namespace norvane

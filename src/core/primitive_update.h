@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/sim_state.h"
-#include "platform/interface.h"
+#include "platform/run_events.h"
 
 namespace norvane {
 
@@ -15,7 +15,7 @@ namespace norvane {
 ///   pressure       = gasFactor cellMass temperature / cellVolume      Pa     (held: stays)
 /// Faults: a density that is not at least 0 shows a message for each such cell and sets stopFlag; all fields are
 /// computed all the same. Divisions by zero pass on as infinities and NaNs. Throws std::bad_alloc.
-void updatePrimitives(SimState& sim, const Interface& ui);
+void updatePrimitives(SimState& sim, const RunEvents& events);
 
 /// The part of it for the negative wall codes of one cell, whose mass, density and free primitives stand.
 void imposeHeldValues(SimState& sim, std::int32_t cell);

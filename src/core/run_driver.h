@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/run_operations.h"
+#include "platform/run_events.h"
 
 namespace norvane {
 
@@ -9,9 +10,9 @@ constexpr int maxRunDepth = 8;
 
 /// The whole run: builds the model as runMode tells, then steps until stopFlag is 1 at the end of a step, at least
 /// once. Faults, told by a message: no geometry; too many runs on top of one another.
-void runSimulation(SimState& sim, Interface& ui, const RunOperations& operations);
+void runSimulation(SimState& sim, const RunEvents& events, const RunOperations& operations);
 
 /// Goes on from the state as it stands. Faults as above.
-void continueRun(SimState& sim, Interface& ui, const RunOperations& operations);
+void continueRun(SimState& sim, const RunEvents& events, const RunOperations& operations);
 
 } // namespace norvane

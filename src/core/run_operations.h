@@ -1,19 +1,33 @@
 #pragma once
 
 #include "core/sim_state.h"
-#include "platform/interface.h"
 
+#include <cstdint>
 #include <functional>
+#include <string_view>
+#include <vector>
 
 namespace norvane {
 
+/// Something that a run writes or shows every so many steps.
+struct Output {
+    const char* name = "";                      ///< for messages ("the plot"), and to find it
+    std::int32_t SimState::*every = nullptr;    ///< steps between two; 0: none but that of the stop
+    bool lastOfInterval = false;                ///< comes at steps n, 2n ...; else at steps 1, n + 1, 2n + 1 ...
+    bool atStop = false;                        ///< comes after the last step of a run as well
+    bool needsInterval = false;                 ///< an interval of 0 or below means none at all
+    std::function<void(SimState& sim)> start{}; ///< before the first run of a geometry
+    std::function<void(SimState& sim)> write{};
+};
+
 /// What the run driver calls of the floors above it. An entry that is not filled in is skipped.
 struct RunOperations {
-    std::function<void(SimState& sim, Interface& ui)> buildModel;
-    std::function<void(SimState& sim, Interface& ui)> saveState;
-    std::function<void(SimState& sim, Interface& ui)> takeSnapshot; ///< without a message
-    std::function<void(SimState& sim, Interface& ui)> plotField;
-    std::function<void(SimState& sim, Interface& ui)> showExitQuestion;
+    std::function<void(SimState& sim)> buildModel;
+    std::function<void(SimState& sim)> showExitQuestion;
+    std::vector<Output> outputs; ///< in the order in which they come after a step
+
+    /// The output of a name, which there must be.
+    Output& output(std::string_view name);
 };
 
 } // namespace norvane

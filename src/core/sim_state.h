@@ -61,7 +61,8 @@ struct ToldFaults {
     bool stopFile = false;
     bool plotFile = false;
     bool snapshot = false;
-    bool state = false; ///< a save failed; its message comes each time, since each save is an act of its own
+    std::uint32_t memory = 0; ///< outputs that ran short of it: bit k is that of the k-th of RunOperations
+    bool state = false;       ///< a save failed; its message comes each time, since each save is an act of its own
 };
 
 /// A sequence of random numbers that begins alike in every program, on every platform.
@@ -169,7 +170,7 @@ struct SimState {
     std::uint64_t revision = 0; ///< raised by whatever writes fields besides the stages of a run
     int runDepth = 0;           ///< runs that are under way, each suspended in a yield of the next
     bool loading = false;       ///< a load is under way
-    bool onlyLooks = false;     ///< a program that draws or exports: stop file, log and plot file are left as they are
+    bool onlyLooks = false;     ///< a program that draws or exports: the stop file is left as it is
     RunOutcome outcome;
     ToldFaults told;
     RandomSequence spectrumRandom; ///< goes on from one spectrum to the next

@@ -96,11 +96,12 @@ void prepareRow(SimState& sim, StagePlan& plan, StageWorkspace& workspace, int s
 }
 
 /// Messages come in the order of the cells, whichever thread and strip found them.
-void tellFaultyCells(SimState& sim, const Interface& ui, StagePlan& plan) {
+void tellFaultyCells(SimState& sim, const RunEvents& events, StagePlan& plan) {
     for (StageWorkspace& workspace : plan.workspaces) {
         std::sort(workspace.faultyCells.begin(), workspace.faultyCells.end());
         for (const std::int32_t cell : workspace.faultyCells) {
-            ui.showMessage("Stopped because of negative density in point " + std::to_string(cell));
+            events.showMessage({"Stopped because of negative density in point " + std::to_string(cell),
+                                ReportKind::negativeDensity, cell});
             sim.stopFlag = 1;
             sim.outcome.negativeDensity = true;
         }
@@ -345,7 +346,7 @@ void sweepRows(StagePlan& plan, const Prepare& prepare, const Finish& finish) {
 
 } // namespace
 
-void runStage(SimState& sim, const Interface& ui, StagePlan& plan, int stage) {
+void runStage(SimState& sim, const RunEvents& events, StagePlan& plan, int stage) {
     reviewResting(sim, plan);
     sweepRows(
         plan,
@@ -359,15 +360,15 @@ void runStage(SimState& sim, const Interface& ui, StagePlan& plan, int stage) {
             computeSlopeRow(sim, plan, workspace, stage, row);
             noteFinished(sim, plan, stage, row);
         });
-    tellFaultyCells(sim, ui, plan);
+    tellFaultyCells(sim, events, plan);
     if (sim.radActive == 1) radiationPairs(sim, stage);
 }
 
-void derivePrimitives(SimState& sim, const Interface& ui, StagePlan& plan) {
+void derivePrimitives(SimState& sim, const RunEvents& events, StagePlan& plan) {
     const auto nothing = [](StageWorkspace&, std::int64_t) {};
     sweepRows(
         plan, [&](StageWorkspace& workspace, std::int64_t row) { prepareRow(sim, plan, workspace, 0, row); }, nothing);
-    tellFaultyCells(sim, ui, plan);
+    tellFaultyCells(sim, events, plan);
 }
 
 void computeSlopes(SimState& sim, StagePlan& plan, int stage) {

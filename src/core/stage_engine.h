@@ -4,7 +4,7 @@
 // formulas cell by cell, bit for bit, for any instruction set and number of threads.
 
 #include "core/stage_plan.h"
-#include "platform/interface.h"
+#include "platform/run_events.h"
 
 namespace norvane {
 
@@ -14,10 +14,10 @@ namespace norvane {
 /// q is each of stageSpecies (kg), stageEnergy (J), stageMomentum (kg m/s); dt in s. A quantity that a wall code holds
 /// keeps its slot 5. Faults: a density that is not at least 0 shows a message for each such cell and sets stopFlag.
 /// Source: classical fourth-order Runge-Kutta (Hairer, Norsett, Wanner, Solving ODEs I, II.1).
-void runStage(SimState& sim, const Interface& ui, StagePlan& plan, int stage);
+void runStage(SimState& sim, const RunEvents& events, StagePlan& plan, int stage);
 
 /// The parts of a stage alone. Primitives are derived from the slot stageWork.
-void derivePrimitives(SimState& sim, const Interface& ui, StagePlan& plan);
+void derivePrimitives(SimState& sim, const RunEvents& events, StagePlan& plan);
 void computeSlopes(SimState& sim, StagePlan& plan, int stage);
 
 } // namespace norvane

@@ -291,12 +291,13 @@ void correctSettings(const Plot& plot) {
     if (!(sim.scaleMax > 0)) sim.scaleMax = 1;
 }
 
-void drawCell(Plot& plot, PlotFile& file, std::int32_t cell) {
+/// `file`: takes the value as well; may be null.
+void drawCell(Plot& plot, PlotFile* file, std::int32_t cell) {
     const SimState& sim = plot.sim;
     const Axis& across = plot.plane.across;
     if (hasValue(plot.quantity)) plot.value = cellValue(sim, plot.quantity, sim.showDims, cell);
     const bool startsLine = !across.exists || cellCoordinate(sim, cell, across.dim) == 0;
-    writePlotEntry(file, startsLine, plot.value);
+    if (file != nullptr) writePlotEntry(*file, startsLine, plot.value);
 
     const CellBox box = placeCell(plot, cell);
     if (plot.quantity == showVectors)
@@ -307,17 +308,15 @@ void drawCell(Plot& plot, PlotFile& file, std::int32_t cell) {
 }
 
 /// From the top row down, each from left to right.
-void drawCells(Plot& plot, PlotFile& file) {
+void drawCells(Plot& plot, PlotFile* file) {
     const Plane& plane = plot.plane;
     if (plane.across.count > 0 && plane.down.count > 0) correctSettings(plot);
     for (std::int64_t j = 0; j < plane.down.count; ++j)
         for (std::int64_t i = 0; i < plane.across.count; ++i) drawCell(plot, file, plane.cell(i, j));
 }
 
-} // namespace
-
-void plotField(SimState& sim, Interface& ui) {
-    if (!modelStands(sim)) return;
+/// `file`: takes the values of the plane as well; may be null.
+void drawPlane(SimState& sim, Interface& ui, PlotFile* file) {
     const Form& window = ui.NV_out.form;
     Surface& surface = ui.NV_out.Picture1;
     surface.foreColor = headColor;
@@ -332,12 +331,24 @@ void plotField(SimState& sim, Interface& ui) {
 
     printHeads(plot, ui.NV_dsp.Combo1);
     if (plot.quantity != showVectors) drawLegend(plot);
-    PlotFile file = openPlotFile(sim, double(plot.plane.across.count) * double(plot.plane.down.count));
+    if (file != nullptr) reserveEntries(*file, double(plot.plane.across.count) * double(plot.plane.down.count));
     // A colour map paints over the old picture; arrows can't, and take the heads with them.
     if (plot.quantity == showVectors) surface.cls();
     drawCells(plot, file);
     showForm(ui, ui.NV_out.form);
+}
+
+} // namespace
+
+void plotField(SimState& sim, Interface& ui) {
+    if (!modelStands(sim)) return;
+    PlotFile file = openPlotFile(sim);
+    drawPlane(sim, ui, &file);
     closePlotFile(file, sim, ui);
+}
+
+void drawField(SimState& sim, Interface& ui) {
+    if (modelStands(sim)) drawPlane(sim, ui, nullptr);
 }
 
 void resizePlotWindow(Interface& ui) { ui.NV_out.Picture1.cls(); }

@@ -17,28 +17,25 @@ void flush(PlotFile& file) {
 
 } // namespace
 
-PlotFile openPlotFile(const SimState& sim, double entries) {
-    constexpr double usualLength = 12; // of an entry
-    constexpr std::size_t longestEntry = 32;
+PlotFile openPlotFile(const SimState& sim) {
     PlotFile file;
     file.path = joinPath(sim.inputDir, sim.outName);
-    file.isWanted = !sim.onlyLooks;
-    file.text.reserve(longestEntry + static_cast<std::size_t>(std::min(usualLength * entries, double{plotFileBlock})));
     return file;
+}
+
+void reserveEntries(PlotFile& file, double entries) {
+    constexpr double usualLength = 12; // of an entry
+    constexpr std::size_t longestEntry = 32;
+    file.text.reserve(longestEntry + static_cast<std::size_t>(std::min(usualLength * entries, double{plotFileBlock})));
 }
 
 void writePlotEntry(PlotFile& file, bool startsLine, float value) {
     file.text += startsLine ? "\r\n" : "\t";
     appendFramed(file.text, value);
-    if (file.text.size() < plotFileBlock) return;
-    if (file.isWanted)
-        flush(file);
-    else
-        file.text.clear();
+    if (file.text.size() >= plotFileBlock) flush(file);
 }
 
 void closePlotFile(PlotFile& file, SimState& sim, const Interface& ui) {
-    if (!file.isWanted) return;
     if (!file.started || !file.text.empty()) flush(file);
     if (file.result || sim.told.plotFile) return;
     sim.told.plotFile = true;

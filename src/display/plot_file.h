@@ -16,18 +16,20 @@ struct PlotFile {
     std::string text;
     FileResult result;    ///< of what has been written so far
     bool started = false; ///< the file holds the first piece
-    bool isWanted = true; ///< false: nothing is written (SimState::onlyLooks)
 };
 
 constexpr std::size_t plotFileBlock = std::size_t{1} << 24;
 
-/// Begins the table of a plot with `entries` values.
-PlotFile openPlotFile(const SimState& sim, double entries);
+/// Begins the table of a plot.
+PlotFile openPlotFile(const SimState& sim);
 
-/// Adds a value: on a new line, or behind a tab.
+/// Makes room for so many values.
+void reserveEntries(PlotFile& file, double entries);
+
+/// Adds a value: on a new line, or after a tab.
 void writePlotEntry(PlotFile& file, bool startsLine, float value);
 
-/// Replaces the file beside the geometry by the table. A fault is told once for a run or a click.
+/// Replaces the file beside the geometry by the table. A fault is reported once for a run or a click.
 void closePlotFile(PlotFile& file, SimState& sim, const Interface& ui);
 
 } // namespace norvane

@@ -155,7 +155,7 @@ std::string misplacedMarkText(std::int64_t row, int dim) {
 
 /// Shows a message about a row that is out of place, and tells whether the load may go on.
 bool tellLayerFault(Load& load, std::int64_t row, const std::string& text) {
-    load.ui.showMessage(text);
+    load.ui.showMessage({text, ReportKind::layerMark, row});
     load.layerMessages += 1;
     if (load.layerMessages < maxLayerMessages) return true;
     return failAt(load, row, "too many rows are out of place; the load ends here, and no geometry is loaded.");

@@ -3,7 +3,6 @@
 #include "core/addressing.h"
 #include "core/checkstop.h"
 #include "geometry/cell_keywords.h"
-#include "platform/files.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -436,25 +435,17 @@ std::int32_t limitedSum(std::int32_t a, std::int32_t b) {
                                                               std::numeric_limits<std::int32_t>::max()));
 }
 
-void emptyLog(SimState& sim, const Interface& ui) {
-    const FileResult written = writeFile(joinPath(sim.inputDir, sim.baseName + "_log"), {});
-    if (written) return;
-    sim.told.log = true;
-    ui.showMessage("The log file " + sim.baseName + "_log can't be written: " + written.reason
-                   + ".\r\nThe run goes on without it.");
-}
-
 } // namespace
 
-void buildModel(SimState& sim, Interface& ui) {
+void buildModel(SimState& sim, const RunEvents& events) {
     sim.revision += 1;
     if (sim.nDim == 0) {
-        ui.showMessage("select an input geometry first");
+        events.showMessage("select an input geometry first");
         return;
     }
     const bool continues = sim.runMode == modeContinuation;
     if (sim.showWhat < 1) sim.showWhat = 1;
-    clearCheckstop(sim, ui);
+    clearCheckstop(sim, events);
     layStrides(sim);
     setTemplateDefaults(sim);
     setScalarDefaults(sim);
@@ -474,7 +465,6 @@ void buildModel(SimState& sim, Interface& ui) {
     resolveWallVelocities(sim);
 
     sim.stopStep = limitedSum(sim.stepCount, stepLimit);
-    if (sim.runMode == modeGeometryRead && sim.logEvery > 0 && !sim.onlyLooks) emptyLog(sim, ui);
     sim.runMode = modeModelStands;
 }
 

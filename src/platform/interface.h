@@ -2,6 +2,7 @@
 // What the logic asks of the front end that it runs under.
 
 #include "platform/controls.h"
+#include "platform/run_events.h"
 
 #include <functional>
 #include <optional>
@@ -10,21 +11,15 @@
 namespace norvane {
 
 /// The four windows and the operations of a front end. An operation that a front end does not fill in does nothing.
-struct Interface {
+struct Interface : RunEvents {
     CommandWindow NV_in;
     PlotWindow NV_out;
     DisplayWindow NV_dsp;
     ExitWindow NV_einde;
 
-    /// Shows a text with one OK button and waits until it is dismissed; no other command is taken meanwhile.
-    std::function<void(const std::string& text)> showMessage = [](const std::string&) {};
-
     /// Asks for a text and waits for it. No value: the question was cancelled.
     std::function<std::optional<std::string>(const std::string& prompt, const std::string& defaultText)> askText =
         [](const std::string&, const std::string&) { return std::optional<std::string>(); };
-
-    /// Carries out all pending commands of the user, each to its end, and returns. Called in the hot loop.
-    std::function<void()> yieldToInterface = [] {};
 
     /// Ends the process at once. Under a front end it does not return.
     std::function<void()> endProgram = [] {};
@@ -35,11 +30,6 @@ struct Interface {
     /// waiting. Called through showForm and hideForm, which keep the record.
     std::function<void(Form& form, bool wasVisible)> formShown = [](Form&, bool) {};
     std::function<void(Form& form)> formHidden = [](Form&) {};
-
-    /// Marks of the run loop, for front ends that count steps or show progress.
-    std::function<void()> runBegan = [] {};
-    std::function<void()> stepBegan = [] {};
-    std::function<void()> runEnded = [] {};
 };
 
 inline void showForm(Interface& ui, Form& form) {

@@ -1,6 +1,7 @@
 #include "platform/process.h"
 
 #include <cerrno>
+#include <csignal>
 
 #ifdef _WIN32
 #    include <process.h>
@@ -29,6 +30,12 @@ int runProcess(const std::vector<std::string>& arguments) {
     while (::waitpid(process, &status, 0) < 0)
         if (errno != EINTR) return -2;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -2;
+#endif
+}
+
+void survivesFileSizeLimit() {
+#ifndef _WIN32
+    std::signal(SIGXFSZ, SIG_IGN);
 #endif
 }
 

@@ -11,6 +11,9 @@ constexpr int processNotFound = -1;
 /// such program, another negative number where it ended without a status.
 int runProcess(const std::vector<std::string>& arguments);
 
+/// A write beyond the limit of file size is a fault of that write from now on, and no longer ends the process.
+void survivesFileSizeLimit();
+
 /// The number by which the system knows this process: no other that runs has it.
 int processNumber();
 

@@ -8,6 +8,9 @@
 #include "exchange/view_factors.h"
 #include "geometry/grid_file.h"
 
+#include <new>
+#include <stdexcept>
+
 namespace norvane {
 
 namespace {
@@ -75,7 +78,13 @@ std::span<const Button> buttons() { return buttonTable; }
 
 void click(Program& program, const Button& button) {
     if (program.sim.runDepth == 0) program.sim.told = {}; // a fault is told once for a run or a click
-    button.click(program);
+    try {
+        button.click(program);
+    } catch (const std::bad_alloc&) {
+        program.ui.showMessage("There is not enough memory for this.");
+    } catch (const std::length_error&) { // a size beyond what the library's containers can count
+        program.ui.showMessage("There is not enough memory for this.");
+    }
 }
 
 void setDirectory(Program& program, const std::string& path) {

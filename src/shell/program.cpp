@@ -3,6 +3,7 @@
 #include "core/run_driver.h"
 #include "display/field_plot.h"
 #include "display/snapshot.h"
+#include "exchange/log_file.h"
 #include "exchange/state_file.h"
 #include "geometry/grid_file.h"
 #include "geometry/model_build.h"
@@ -25,6 +26,13 @@ bool startsInBatchMode(const std::string& programName) {
     return !stem.empty() && stem.back() == '_';
 }
 
+/// The plot of the schedule, after which commands are taken.
+void updatePlot(SimState& sim, Interface& ui) {
+    ui.NV_in.Text1.text = std::to_string(sim.stepCount);
+    plotField(sim, ui);
+    ui.yieldToInterface();
+}
+
 /// Gives the geometry of a batch start, or an empty path after a message.
 std::string batchGeometry(Program& program, const ProgramStart& start) {
     if (!start.geometry.empty()) return start.geometry;
@@ -41,11 +49,29 @@ std::string batchGeometry(Program& program, const ProgramStart& start) {
 
 void connectProgram(Program& program) {
     RunOperations& operations = program.operations;
-    operations.buildModel = buildModel;
-    operations.saveState = saveState;
-    operations.takeSnapshot = [](SimState& sim, Interface& ui) { takeSnapshot(sim, ui, 0); };
-    operations.plotField = plotField;
-    operations.showExitQuestion = [](SimState&, Interface& ui) { showExitQuestion(ui); };
+    Interface& ui = program.ui;
+    operations.buildModel = [&ui](SimState& sim) { buildModel(sim, ui); };
+    operations.showExitQuestion = [&ui](SimState&) { showExitQuestion(ui); };
+    operations.outputs = {
+        {.name = "state",
+         .every = &SimState::saveEvery,
+         .lastOfInterval = true,
+         .write = [&ui](SimState& sim) { saveState(sim, ui); }},
+        {.name = "snapshot",
+         .every = &SimState::frameEvery,
+         .lastOfInterval = true,
+         .write = [&ui](SimState& sim) { takeSnapshot(sim, ui, 0); }},
+        {.name = "plot",
+         .every = &SimState::updateEvery,
+         .atStop = true,
+         .write = [&ui](SimState& sim) { updatePlot(sim, ui); }},
+        {.name = "log",
+         .every = &SimState::logEvery,
+         .atStop = true,
+         .needsInterval = true,
+         .start = [&ui](SimState& sim) { startLog(sim, ui); },
+         .write = [&ui](SimState& sim) { writeLogLine(sim, ui); }},
+    };
 }
 
 void startProgram(Program& program, const ProgramStart& start) {
@@ -58,6 +84,7 @@ void startProgram(Program& program, const ProgramStart& start) {
     if (geometry.empty()) return;
     selectGeometry(program, geometry);
     loadGeometry(program.sim, ui);
+    if (!start.mayRun()) return;
     runSimulation(program.sim, ui, program.operations);
 }
 

@@ -5,11 +5,17 @@
 #include "core/sim_state.h"
 #include "platform/interface.h"
 
+#include <functional>
 #include <string>
 
 namespace norvane {
 
+/// Stays where it is: the operations refer to the windows.
 struct Program {
+    Program() = default;
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
     SimState sim;
     Interface ui;
     RunOperations operations;
@@ -20,6 +26,7 @@ struct ProgramStart {
     std::string folder;   ///< of the program file, absolute
     std::string name;     ///< of the program file; one that ends in "_" before its extension starts in batch mode
     std::string geometry; ///< a geometry that the start named, for batch mode; may be empty
+    std::function<bool()> mayRun = [] { return true; }; ///< asked in batch mode when the geometry has been read
 };
 
 /// Connects the run loop with the floors above it. The first thing to do with a program.

@@ -49,9 +49,9 @@ void answerQuestion(ScriptDriver& driver) {
 
 /// Puts the script's part before the operations of the desktop: it acts inside the boxes and the polls themselves.
 void connectDriver(Interface& ui, Desktop& desktop, ScriptDriver& driver) {
-    ui.showMessage = [show = ui.showMessage](const std::string& text) {
+    ui.showMessage = [show = ui.showMessage](const Report& report) {
         QTimer::singleShot(0, dismissMessage);
-        show(text);
+        show(report);
     };
     ui.askText = [ask = ui.askText, &driver](const std::string& prompt, const std::string& defaultText) {
         QTimer::singleShot(0, [&driver] { answerQuestion(driver); });

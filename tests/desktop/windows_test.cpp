@@ -35,15 +35,15 @@ struct Screen {
     Screen() {
         test.ui.NV_dsp.Combo1.entries.clear(); // the program is started once more, with its windows
         desktop.start({test.folder.string(), "norvane", {}});
-        test.ui.showMessage = [this](const std::string& text) { test.messages.push_back(text); };
+        test.ui.showMessage = [this](const Report& report) { test.messages.push_back(report.text); };
     }
 
     void runExample(const std::string& name, int steps) {
         test.loadExample(name);
-        test.program.operations.buildModel(test.sim, test.ui);
+        test.program.operations.buildModel(test.sim);
         test.sim.stopStep = steps;
         const auto build = test.program.operations.buildModel;
-        test.program.operations.buildModel = [](SimState&, Interface&) {};
+        test.program.operations.buildModel = [](SimState&) {};
         test.click("NV_in.Command2");
         test.program.operations.buildModel = build;
     }
@@ -90,7 +90,7 @@ TEST(windows, findTheCellThatIsPaintedUnderThePointer) {
         sim.sliceSel[slice] = 2;
         screen.test.ui.NV_out.form.height = 400;
         boxes.clear();
-        screen.test.program.operations.plotField(sim, screen.test.ui);
+        screen.test.program.operations.output("plot").write(sim);
         constexpr std::size_t legendRows = 11;
         // The last column does not fit into a map that its width limits, and is left out.
         ASSERT_GT(boxes.size(), legendRows);

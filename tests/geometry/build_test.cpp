@@ -164,7 +164,7 @@ TEST(build, derivesPositionsVolumesAndCoefficients) {
     EXPECT_EQ(test.sim.viscousCoef(2, 2), 12.0f);
     EXPECT_EQ(test.sim.faceArea(2, 2), 1.0f);
     EXPECT_EQ(test.sim.friction[3], 0.5f);
-    test.program.operations.buildModel(test.sim, test.ui);
+    test.program.operations.buildModel(test.sim);
     EXPECT_EQ(test.sim.friction[3], 0.5f) << "the factor must not pile up";
 }
 

@@ -27,7 +27,7 @@ std::filesystem::path freshFolder() {
 TestProgram::TestProgram() : folder(freshFolder()), formerDirectory_(std::filesystem::current_path()) {
     std::filesystem::current_path(folder);
     connectProgram(program);
-    ui.showMessage = [this](const std::string& text) { messages.push_back(text); };
+    ui.showMessage = [this](const Report& report) { messages.push_back(report.text); };
     ui.askText = [this](const std::string&, const std::string& defaultText) -> std::optional<std::string> {
         if (answers.empty()) return defaultText;
         std::optional<std::string> answer = answers.front();
@@ -65,7 +65,7 @@ void TestProgram::loadExample(const std::string& name) {
 
 void TestProgram::build(const std::string& table) {
     load(table);
-    program.operations.buildModel(sim, ui);
+    program.operations.buildModel(sim);
 }
 
 void TestProgram::click(const std::string& name) {

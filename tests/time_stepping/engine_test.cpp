@@ -132,8 +132,8 @@ void compareRuns(const SimState& start, const RowKernels& kernels, int threads, 
     std::string plainMessages;
     Interface ui;
     Interface plainUi;
-    ui.showMessage = [&](const std::string& text) { engineMessages += text + "\n"; };
-    plainUi.showMessage = [&](const std::string& text) { plainMessages += text + "\n"; };
+    ui.showMessage = [&](const Report& report) { engineMessages += report.text + "\n"; };
+    plainUi.showMessage = [&](const Report& report) { plainMessages += report.text + "\n"; };
     StagePlan plan = planStages(engine, threads, kernels);
     plan.stripRows = std::min<std::int64_t>(plan.stripRows, threads); // small grids would be one strip
     for (int step = 1; step <= 4; ++step) {

@@ -77,12 +77,10 @@ TEST(schedule, plotsLogsAndSavesAtTheirSteps) {
     std::vector<int> plots;
     std::vector<int> saves;
     std::vector<int> snaps;
-    test.program.operations.plotField = [&](SimState& sim, Interface& ui) {
-        plots.push_back(sim.stepCount);
-        EXPECT_EQ(ui.NV_in.Text1.text, std::to_string(sim.stepCount));
-    };
-    test.program.operations.saveState = [&](SimState& sim, Interface&) { saves.push_back(sim.stepCount); };
-    test.program.operations.takeSnapshot = [&](SimState& sim, Interface&) { snaps.push_back(sim.stepCount); };
+    RunOperations& operations = test.program.operations;
+    operations.output("plot").write = [&](SimState& sim) { plots.push_back(sim.stepCount); };
+    operations.output("state").write = [&](SimState& sim) { saves.push_back(sim.stepCount); };
+    operations.output("snapshot").write = [&](SimState& sim) { snaps.push_back(sim.stepCount); };
     const auto run = [&](const std::string& keys) {
         plots.clear();
         saves.clear();

@@ -11,9 +11,6 @@ namespace norvane {
 
 namespace {
 
-/// A model that blows up does so in many cells at once: the first few tell the place.
-constexpr std::int64_t maxDensityMessages = 5;
-
 std::string withPlainLineEnds(const std::string& text) {
     std::string plain;
     for (const char c : text)
@@ -22,23 +19,26 @@ std::string withPlainLineEnds(const std::string& text) {
     return plain;
 }
 
-void tell(Console& console, const std::string& text) {
-    const bool isDensity = text.find("negative density") != std::string::npos;
-    if (isDensity && ++console.densityMessages > maxDensityMessages) return;
+void print(Console& console, const std::string& text) {
     console.beforeMessage();
     std::fprintf(stderr, "%s\n", withPlainLineEnds(text).c_str());
+}
+
+void show(Console& console, const Report& report) {
+    if (endsSeries(console.series, report)) closeSeries(console);
+    if (countMessage(console.series, report)) print(console, report.text);
 }
 
 } // namespace
 
 void connectConsole(Console& console) {
     connectProgram(console.program);
-    console.program.ui.showMessage = [&console](const std::string& text) { tell(console, text); };
+    console.program.ui.showMessage = [&console](const Report& report) { show(console, report); };
 }
 
-void tellHeldBackMessages(const Console& console) {
-    const std::int64_t heldBack = console.densityMessages - maxDensityMessages;
-    if (heldBack > 0) std::fprintf(stderr, "... and %lld more such messages\n", static_cast<long long>(heldBack));
+void closeSeries(Console& console) {
+    const std::string closing = closingMessage(console.series);
+    if (!closing.empty()) print(console, closing);
 }
 
 ExitStatus loadFor(Console& console, const std::string& geometry) {
@@ -51,6 +51,7 @@ ExitStatus loadFor(Console& console, const std::string& geometry) {
     program.sim.batchMode = 1;
     selectGeometry(program, geometry);
     loadGeometry(program.sim, program.ui);
+    closeSeries(console);
     if (!readable) return exitFileFault;
     if (program.sim.nDim > 0 && program.sim.nCells == 0)
         std::fprintf(stderr, "%s: a grid without cells; mend its layer marks\n", program.sim.fileName.c_str());
@@ -64,6 +65,18 @@ ExitStatus standModel(Console& console, bool recalled) {
     if (recalled) return recallState(sim, console.program.ui) ? exitDone : exitFileFault;
     buildModel(sim, console.program.ui);
     return exitDone;
+}
+
+std::string printable(const std::string& text) {
+    std::string safe;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const auto c = static_cast<unsigned char>(text[at]);
+        const bool isC1 = c == 0xC2 && at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) < 0xA0;
+        const bool isControl = (c < 0x20 && c != '\n' && c != '\t') || c == 0x7F || isC1;
+        safe += isControl ? '?' : text[at];
+        if (isC1) ++at;
+    }
+    return safe;
 }
 
 std::string describedGrid(const SimState& sim) {

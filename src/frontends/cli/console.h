@@ -2,6 +2,7 @@
 // A program whose person sits at a terminal, or is a script: messages go to standard error.
 
 #include "frontends/cli/exit_status.h"
+#include "shell/message_series.h"
 #include "shell/program.h"
 
 #include <functional>
@@ -11,22 +12,26 @@ namespace norvane {
 
 struct Console {
     Program program;
-    std::int64_t densityMessages = 0;            ///< those of them about negative density
+    MessageSeries series;
     std::function<void()> beforeMessage = [] {}; ///< makes room for a line
 };
 
-/// Connects the program with the terminal. The console must stay where it is.
+/// Connects the program with the terminal.
 void connectConsole(Console& console);
 
-/// Prints how many messages about negative density were held back, if any.
-void tellHeldBackMessages(const Console& console);
+/// Prints how many messages of a series were held back, if any.
+void closeSeries(Console& console);
 
 /// Imports a geometry without its structure message; what is wrong with it is told. Gives the exit status.
 ExitStatus loadFor(Console& console, const std::string& geometry);
 
 /// Makes the model stand for a command that only looks: built afresh, or recalled from the state file. Gives the exit
-/// status; leaves log, stop file and plot file alone.
+/// status; leaves the stop file alone.
 ExitStatus standModel(Console& console, bool recalled);
+
+/// A text for a terminal: control characters, which could move its cursor or set its title, become "?". Line ends and
+/// tabs stay.
+std::string printable(const std::string& text);
 
 /// The cells along each dimension and the species, "60 x 18 cells, 2 species".
 std::string describedGrid(const SimState& sim);

@@ -32,17 +32,11 @@ std::string frameList(const Frames& frames) {
 
 void takeFrame(Frames& frames, SimState& sim, Interface& ui) {
     if (!frames.result) return;
-    Surface& surface = ui.NV_out.Picture1;
-    const Surface blind = surface;
-    const auto image = drawOnImage(surface);
-    const bool onlyLooks = sim.onlyLooks;
-    sim.onlyLooks = true; // the plot file belongs to the plots of the schedule
-    surface.cls();
-    plotField(sim, ui);
-    sim.onlyLooks = onlyLooks;
+    const DrawnSurface drawn(ui.NV_out.Picture1);
+    ui.NV_out.Picture1.cls();
+    drawField(sim, ui); // the plot file belongs to the plots of the schedule
     const std::string path = numbered(frames.prefix, sim.stepCount);
-    frames.result = writePicture(*image, path, PictureFormat::png);
-    surface = blind;
+    frames.result = writePicture(drawn.image(), path, PictureFormat::png);
     if (frames.result)
         frames.paths.push_back(absolutePath(path));
     else

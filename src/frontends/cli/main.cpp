@@ -7,6 +7,7 @@
 #include "frontends/cli/spectrum_command.h"
 #include "frontends/script/script_front_end.h"
 #include "platform/files.h"
+#include "platform/process.h"
 
 #include <CLI/CLI.hpp>
 
@@ -154,6 +155,7 @@ int runNamedForBatch(int argc, char** argv) {
 } // namespace norvane
 
 int main(int argc, char** argv) {
+    norvane::survivesFileSizeLimit();
     try {
         const std::string name = argc > 0 ? std::filesystem::path(argv[0]).stem().string() : "";
         if (!name.empty() && name.back() == '_') return norvane::runNamedForBatch(argc, argv);

@@ -235,7 +235,7 @@ int plotGeometry(const PlotOptions& options) {
     surface.scaleHeight = program.ui.NV_out.form.height;
     const bool isPage = *format == PictureFormat::svg || *format == PictureFormat::pdf;
     const auto picture = isPage ? drawOnPage(surface, *format) : drawOnImage(surface);
-    plotField(program.sim, program.ui);
+    drawField(program.sim, program.ui);
     const FileResult written = writePicture(*picture, options.output, *format);
     if (written) return exitDone;
     std::fprintf(stderr, "%s can't be written: %s\n", options.output.c_str(), written.reason.c_str());

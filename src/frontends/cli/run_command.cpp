@@ -9,6 +9,7 @@
 #include "frontends/cli/frames.h"
 #include "frontends/cli/progress.h"
 #include "frontends/image/image_surface.h"
+#include "platform/claim.h"
 #include "platform/files.h"
 
 #include <chrono>
@@ -52,6 +53,9 @@ bool writesToTerminal() {
 #endif
 }
 
+/// " (process 123)", or nothing where its number is not known.
+std::string processText(int number) { return number > 0 ? " (process " + std::to_string(number) + ")" : ""; }
+
 struct ConsoleRun {
     explicit ConsoleRun(const RunOptions& runOptions)
         : options(runOptions), progress(runOptions.quiet, writesToTerminal()) {}
@@ -61,6 +65,8 @@ struct ConsoleRun {
     Progress progress;
     Frames frames;
     bool ran = false;
+    Claim files;  ///< of this model
+    Claim folder; ///< the working directory, for the stop file
 };
 
 void say(const ConsoleRun& run, const std::string& line) {
@@ -86,11 +92,8 @@ void beginRun(ConsoleRun& run) {
 
 /// A snapshot is drawn on an image that exists for it alone: the plots in between cost no drawing.
 void takeDrawnSnapshot(SimState& sim, Interface& ui) {
-    Surface& surface = ui.NV_out.Picture1;
-    const Surface blind = surface;
-    const auto image = drawOnImage(surface);
+    const DrawnSurface drawn(ui.NV_out.Picture1);
     takeSnapshot(sim, ui, 0);
-    surface = blind;
 }
 
 void connectRun(ConsoleRun& run) {
@@ -102,9 +105,34 @@ void connectRun(ConsoleRun& run) {
     };
     program.ui.runBegan = [&run] { beginRun(run); };
     program.ui.stepBegan = [&run] { run.progress.step(run.console.program.sim); };
-    program.operations.takeSnapshot = takeDrawnSnapshot;
-    if (run.options.frameEvery > 0)
-        program.operations.takeSnapshot = [&run](SimState& sim, Interface& ui) { takeFrame(run.frames, sim, ui); };
+    program.operations.output("snapshot").write = [&run](SimState& sim) {
+        Interface& ui = run.console.program.ui;
+        if (run.options.frameEvery > 0)
+            takeFrame(run.frames, sim, ui);
+        else
+            takeDrawnSnapshot(sim, ui);
+    };
+}
+
+/// Two runs that write the same files would leave a mixture. Gives false, after a message, where another run has them.
+bool claimFiles(ConsoleRun& run) {
+    const SimState& sim = run.console.program.sim;
+    int other = 0;
+    run.files = Claim::alone(sim.inputDir, sim.baseName, other);
+    if (other != 0) {
+        std::fprintf(stderr,
+                     "Another run%s is writing the files %s_* in this folder.\n"
+                     "Wait for it, stop it, or run a copy of the geometry in a folder of its own.\n",
+                     processText(other).c_str(), printable(sim.baseName).c_str());
+        return false;
+    }
+    run.folder = Claim::shared(".", "checkstop", other);
+    if (other != 0)
+        std::fprintf(stderr,
+                     "Another run%s has the same working directory, and so the same stop file checkstop:\n"
+                     "a 1 in it ends the one that reads it first, and only that.\n",
+                     processText(other).c_str());
+    return true;
 }
 
 void catchSignals() {
@@ -142,7 +170,7 @@ void tellEnd(ConsoleRun& run) {
     const SimState& sim = run.console.program.sim;
     const RunOutcome& outcome = sim.outcome;
     run.progress.wipe();
-    tellHeldBackMessages(run.console);
+    closeSeries(run.console);
     const std::string end =
         "Step " + std::to_string(sim.stepCount) + " after " + spanText(run.progress.seconds()) + ": ";
     if (outcome.negativeDensity)
@@ -163,7 +191,8 @@ int finish(ConsoleRun& run) {
     const SimState& sim = run.console.program.sim;
     if (sim.outcome.negativeDensity) return exitEndedByModel;
     const ToldFaults& told = sim.told;
-    const bool missesOutput = told.log || told.stopFile || told.plotFile || told.snapshot || told.state;
+    const bool missesOutput =
+        told.log || told.stopFile || told.plotFile || told.snapshot || told.state || told.memory != 0;
     if (missesOutput || !written || !run.frames.result) return exitFileFault;
     return sim.outcome.reachedStopStep ? exitDone : exitStoppedEarly;
 }
@@ -177,6 +206,7 @@ int runGeometry(const RunOptions& options) {
     program.sim.threads = options.threads;
     const ExitStatus loaded = loadFor(run.console, options.geometry);
     if (loaded != exitDone) return loaded;
+    if (!claimFiles(run)) return exitFileFault;
     run.frames.prefix = absolutePath(program.sim.inputDir + "/" + program.sim.baseName + "_");
     if (options.radiation) importViewFactors(program.sim, program.ui);
     if (options.radiation && program.sim.radActive != 1) return exitFileFault; // told by a message
@@ -194,7 +224,14 @@ int runBatch(const ProgramStart& start) {
     ConsoleRun run({});
     connectRun(run);
     catchSignals();
-    startProgram(run.console.program, start);
+    bool isTaken = false;
+    ProgramStart claiming = start;
+    claiming.mayRun = [&] {
+        isTaken = run.console.program.sim.nDim > 0 && !claimFiles(run);
+        return !isTaken;
+    };
+    startProgram(run.console.program, claiming);
+    if (isTaken) return exitFileFault;
     if (run.ran) return finish(run);
     const bool unreadable = !start.geometry.empty() && !tryOpenForReading(start.geometry);
     return unreadable ? exitFileFault : exitNoModel;

@@ -89,9 +89,9 @@ void Desktop::showWindow(const Form& form, bool wasVisible) {
 
 void Desktop::connectInterface() {
     Interface& ui = program_.ui;
-    ui.showMessage = [this](const std::string& text) {
+    ui.showMessage = [this](const Report& report) {
         refresh();
-        showMessageBox(ownerOfDialogs(&commands_), text);
+        showMessageBox(ownerOfDialogs(&commands_), report.text);
     };
     ui.askText = [this](const std::string& prompt, const std::string& defaultText) {
         refresh();

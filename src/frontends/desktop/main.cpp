@@ -2,6 +2,7 @@
 
 #include "frontends/desktop/desktop.h"
 #include "platform/files.h"
+#include "platform/process.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -83,4 +84,7 @@ int runDesktop(int argc, char** argv) {
 
 } // namespace norvane
 
-int main(int argc, char** argv) { return norvane::runDesktop(argc, argv); }
+int main(int argc, char** argv) {
+    norvane::survivesFileSizeLimit();
+    return norvane::runDesktop(argc, argv);
+}

@@ -59,7 +59,25 @@ constexpr int largestPicture = 8192;
 /// is. Its savePicture writes a 24-bit bitmap.
 std::shared_ptr<Picture> drawOnImage(Surface& surface);
 
-/// The same with the page of an SVG or PDF file; a pixel is 1/96 inch there. Its savePicture writes that file.
+/// Makes a record draw on an image as long as this lives; then the record is what it was before.
+class DrawnSurface {
+public:
+    explicit DrawnSurface(Surface& surface) : surface_(surface), before_(surface), image_(drawOnImage(surface)) {}
+
+    ~DrawnSurface() { surface_ = before_; }
+
+    DrawnSurface(const DrawnSurface&) = delete;
+    DrawnSurface& operator=(const DrawnSurface&) = delete;
+
+    Picture& image() const { return *image_; }
+
+private:
+    Surface& surface_;
+    const Surface before_;
+    const std::shared_ptr<Picture> image_;
+};
+
+/// As drawOnImage, with the page of an SVG or PDF file; a pixel is 1/96 inch there. Its savePicture writes that file.
 std::shared_ptr<Picture> drawOnPage(Surface& surface, PictureFormat format);
 
 /// Writes the picture as a file, whole or not at all: an image as bmp or png, a page as what it is. Afterwards a page

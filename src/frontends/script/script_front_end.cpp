@@ -15,7 +15,7 @@ namespace norvane {
 namespace {
 
 void connectInterface(Interface& ui, ScriptDriver& driver) {
-    ui.showMessage = [](const std::string& text) { printLine("message: " + escaped(text)); };
+    ui.showMessage = [](const Report& report) { printLine("message: " + escaped(report.text)); };
     ui.askText = [&driver](const std::string& prompt, const std::string& defaultText) {
         return driver.takeAnswer(prompt, defaultText);
     };

@@ -1,0 +1,16 @@
+#pragma once
+// The log of a run: baseName + "_log" in inputDir, a line for each logged step with velocity along dimension 1, m/s, a
+// tab, and pressure, Pa, of one cell.
+
+#include "core/sim_state.h"
+#include "platform/run_events.h"
+
+namespace norvane {
+
+/// Empties the log of an earlier run, creating the file if need be. A fault is reported once for a run.
+void startLog(SimState& sim, const RunEvents& events);
+
+/// Adds the line of this step; nothing on a grid without cells. A fault is reported once for a run.
+void writeLogLine(SimState& sim, const RunEvents& events);
+
+} // namespace norvane
