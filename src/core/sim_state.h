@@ -62,6 +62,7 @@ struct ToldFaults {
     bool plotFile = false;
     bool snapshot = false;
     std::uint32_t memory = 0; ///< outputs that ran short of it: bit k is that of the k-th of RunOperations
+    bool geometry = false;    ///< the geometry file can't be read
     bool state = false;       ///< a save failed; its message comes each time, since each save is an act of its own
 };
 

@@ -45,6 +45,13 @@ float conductionValue(const SimState& sim, int component, std::int32_t cell) {
 
 } // namespace
 
+std::span<const char* const> quantityNames() {
+    static constexpr const char* names[] = {"Temperature",   "Velocity", "Std Velocity", "Pressure", "Density",
+                                            "Concentration", "X",        "dx",           "dh",       "at",
+                                            "VectorPlot"};
+    return names;
+}
+
 int drawnQuantity(int showWhat) { return std::max<int>(showWhat, showTemperature); }
 
 bool hasValue(int quantity) { return quantity >= showTemperature && quantity <= showPlace; }

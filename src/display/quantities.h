@@ -4,6 +4,7 @@
 #include "core/sim_state.h"
 
 #include <cstdint>
+#include <span>
 #include <string>
 
 namespace norvane {
@@ -22,6 +23,9 @@ enum ShowWhat : int {
     showPlace = 10,        ///< zero-based coordinate of the cell
     showVectors = 11,      ///< velocity arrows; no value
 };
+
+/// The names of all quantities, as the panel lists them: that of quantity k at k - 1.
+std::span<const char* const> quantityNames();
 
 /// The quantity that a plot draws for a value of showWhat: one below the list draws as the first of it. One above the
 /// list stays, and has no name and no value.

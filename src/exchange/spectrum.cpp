@@ -156,7 +156,8 @@ bool writeSpectrum(SimState& sim, Interface& ui, std::int32_t pointCount) {
     const FileResult opened = tryOpenForWriting(spectrumPath(sim));
     sim.openError = opened.error;
     if (!opened) {
-        ui.showMessage("An error occured opening the file");
+        ui.showMessage(
+            {"An error occured opening the file", ReportKind::note, 0, std::string(fileName) + ": " + opened.reason});
         return false;
     }
     const OverwriteResult written = overwriteFile(spectrumPath(sim), text);

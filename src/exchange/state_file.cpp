@@ -106,7 +106,8 @@ constexpr std::size_t longestItem = 500; ///< bytes of a text that may still bec
 struct StateReader {
     std::int32_t cells = 0; ///< that the model has
     std::size_t wanted = 0; ///< numbers of groups A to C
-    int linesRead = 0;      ///< of the header
+    std::int32_t cellsInFile = 0;
+    int linesRead = 0; ///< of the header
     std::int32_t stepCount = 0;
     std::vector<float> values; ///< of groups A to C, in the order of the file
     std::string text;          ///< from the first item that may go on in the next piece
@@ -125,7 +126,7 @@ void readHeader(StateReader& reader) {
         reader.latest = readWhole(reader.items, number);
         if (reader.latest != ItemKind::number) return;
         if (reader.linesRead == 0)
-            reader.fitsCells = number == reader.cells;
+            reader.fitsCells = (reader.cellsInFile = number) == reader.cells;
         else
             reader.stepCount = number;
         reader.linesRead += 1;
@@ -209,7 +210,6 @@ std::int64_t lineOfByte(const std::string& path, std::size_t byte) {
 
 /// The message about what is wrong with the file; empty: nothing.
 std::string faultOfState(const StateReader& reader, const SimState& sim) {
-    if (!reader.fitsCells) return "incorrect number of cells in saved state";
     if (reader.done()) return "";
     return stateName(sim) + ", "
            + itemFault(lineOfByte(statePath(sim), reader.passed + reader.items.item), reader.latest,
@@ -244,9 +244,9 @@ const char* contentAfter(FileHolds holds) {
 } // namespace
 
 bool saveState(SimState& sim, Interface& ui) {
-    const auto fail = [&](const std::string& message) {
+    const auto fail = [&](const std::string& message, const std::string& detail = {}) {
         sim.told.state = true;
-        ui.showMessage(message);
+        ui.showMessage({message, ReportKind::saveFault, sim.stepCount, detail});
         return false;
     };
     if (sim.nDim == 0) return fail("select an input geometery first");
@@ -255,7 +255,7 @@ bool saveState(SimState& sim, Interface& ui) {
         return fail("The state is not saved: there is not enough memory for the text of " + stateName(sim) + ".");
     const FileResult opened = tryOpenForWriting(statePath(sim));
     sim.openError = opened.error;
-    if (!opened) return fail(openFault);
+    if (!opened) return fail(openFault, stateName(sim) + ": " + opened.reason);
     const OverwriteResult written = overwriteFile(statePath(sim), text);
     if (!written)
         return fail("The state file " + stateName(sim) + " can't be written: " + written.reason + "." + lineEnd
@@ -264,14 +264,14 @@ bool saveState(SimState& sim, Interface& ui) {
 }
 
 bool recallState(SimState& sim, Interface& ui) {
-    const auto fail = [&](const std::string& message) {
-        ui.showMessage(message);
+    const auto fail = [&](const std::string& message, const std::string& detail = {}) {
+        ui.showMessage({message, ReportKind::note, 0, detail});
         return false;
     };
     if (sim.nDim == 0) return fail("select an input geometry first");
     const FileResult opened = tryOpenForReading(statePath(sim));
     sim.openError = opened.error;
-    if (!opened) return fail(openFault);
+    if (!opened) return fail(openFault, stateName(sim) + ": " + opened.reason);
     StateReader reader;
     bool disturbed = false;
     const FileResult read = readState(statePath(sim), sim, reader, disturbed);
@@ -282,6 +282,10 @@ bool recallState(SimState& sim, Interface& ui) {
         ui.showMessage("Another process was saving " + stateName(sim) + " at this moment; it was read again, whole.");
     sim.runMode = modeModelStands; // not modeGeometryRead: the build must not empty the log
     buildModel(sim, ui);
+    if (!reader.fitsCells)
+        return fail("incorrect number of cells in saved state",
+                    stateName(sim) + " holds a state of " + std::to_string(reader.cellsInFile)
+                        + " cells, and the geometry has " + std::to_string(sim.nCells));
     const std::string fault = faultOfState(reader, sim);
     if (!fault.empty()) return fail(fault);
     takeState(sim, reader.values);

@@ -144,7 +144,7 @@ void importViewFactors(SimState& sim, Interface& ui) {
     const FileResult opened = tryOpenForReading(radPath(sim));
     sim.openError = opened.error;
     if (!opened) {
-        ui.showMessage("An error occured opening the file");
+        ui.showMessage({"An error occured opening the file", ReportKind::note, 0, radName(sim) + ": " + opened.reason});
         return;
     }
     std::string bytes;

@@ -74,6 +74,7 @@ bool readTable(Load& load) {
         return fail(load, "The geometry file " + sim.fileName + " is no table: there is no tab and no line end in it."
                               + lineEnd + "Save the table of the geometry as tab-separated text under this name.");
     const FileResult read = readFile(path, bytes);
+    sim.told.geometry = !read;
     if (!read) return fail(load, "The geometry file " + sim.fileName + " can't be read: " + read.reason + ".");
     CellTextTable table(toUtf8(std::move(bytes)));
     load.rowCount = table.rowCount();

@@ -52,6 +52,24 @@ std::string absolutePath(const std::string& path) {
     return whole.string();
 }
 
+bool liesBelow(const std::string& path, const std::string& folder) {
+    namespace fs = std::filesystem;
+    std::error_code failed;
+    const fs::path top = fs::canonical(folder, failed);
+    if (failed) return false;
+    // The last link may lead to a file that does not exist yet.
+    fs::path target = path;
+    for (int links = 0; links < 40 && fs::is_symlink(target, failed); ++links) {
+        const fs::path next = fs::read_symlink(target, failed);
+        if (failed) return false;
+        target = target.parent_path() / next;
+    }
+    const fs::path whole = fs::weakly_canonical(fs::absolute(target, failed), failed);
+    if (failed) return false;
+    const auto differs = std::mismatch(top.begin(), top.end(), whole.begin(), whole.end());
+    return differs.first == top.end() && differs.second != whole.end();
+}
+
 std::string folderOf(const std::string& path) {
     return std::filesystem::path(absolutePath(path)).parent_path().string();
 }

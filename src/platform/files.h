@@ -25,6 +25,9 @@ std::string joinPath(const std::string& folder, const std::string& name);
 /// separator at its end.
 std::string absolutePath(const std::string& path);
 
+/// Whether a path leads to somewhere below a folder, links and ".." followed.
+bool liesBelow(const std::string& path, const std::string& folder);
+
 /// The folder of a file, and its name in there.
 std::string folderOf(const std::string& path);
 std::string nameOf(const std::string& path);

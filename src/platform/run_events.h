@@ -13,6 +13,7 @@ enum class ReportKind {
     note,            ///< anything of which there is one
     negativeDensity, ///< one for each faulty cell of a stage; `place` is the cell
     layerMark,       ///< one for each row of a table that should end a layer; `place` is the row
+    saveFault,       ///< one for each save that failed; `place` is the step
 };
 
 /// A message to the user.
@@ -22,12 +23,14 @@ struct Report {
 
     Report(const char* message) : text(message) {} // NOLINT(google-explicit-constructor)
 
-    Report(std::string message, ReportKind about, std::int64_t where)
-        : text(std::move(message)), kind(about), place(where) {}
+    Report(std::string message, ReportKind about, std::int64_t where, std::string more = {})
+        : text(std::move(message)), kind(about), place(where), detail(std::move(more)) {}
 
     std::string text;
     ReportKind kind = ReportKind::note;
     std::int64_t place = 0; ///< as the kind says; 0: none
+    std::string
+        detail{}; ///< what the system's own sentence leaves out: a file, a reason. For a line of its own, or none
 };
 
 /// An operation that is not filled in does nothing.

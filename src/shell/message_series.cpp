@@ -1,6 +1,7 @@
 #include "shell/message_series.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace norvane {
 
@@ -21,6 +22,17 @@ std::string listed(const std::vector<std::int64_t>& places) {
     return text;
 }
 
+/// The first few cells or rows show the place; of saves the first one tells all.
+std::int64_t mostShown(ReportKind kind) { return kind == ReportKind::saveFault ? 1 : 5; }
+
+const char* nounOf(ReportKind kind, bool many) {
+    switch (kind) {
+    case ReportKind::negativeDensity: return many ? "cells " : "cell ";
+    case ReportKind::layerMark: return many ? "rows " : "row ";
+    default: return many ? "steps " : "step ";
+    }
+}
+
 } // namespace
 
 bool endsSeries(const MessageSeries& series, const Report& report) {
@@ -30,7 +42,7 @@ bool endsSeries(const MessageSeries& series, const Report& report) {
 bool countMessage(MessageSeries& series, const Report& report) {
     if (report.kind == ReportKind::note) return true;
     series.kind = report.kind;
-    if (++series.count <= MessageSeries::shown) return true;
+    if (++series.count <= mostShown(report.kind)) return true;
     series.places.push_back(report.place);
     return false;
 }
@@ -41,12 +53,10 @@ std::string closingMessage(MessageSeries& series) {
     std::vector<std::int64_t> places = closed.places;
     std::sort(places.begin(), places.end());
     places.erase(std::unique(places.begin(), places.end()), places.end()); // a cell may be faulty in several stages
-    const bool ofCells = closed.kind == ReportKind::negativeDensity;
-    const char* const noun =
-        ofCells ? (places.size() == 1 ? "cell " : "cells ") : (places.size() == 1 ? "row " : "rows ");
     const std::size_t count = closed.places.size();
     return "... and " + std::to_string(count)
-           + (count == 1 ? " more such message, about " : " more such messages, about ") + noun + listed(places) + ".";
+           + (count == 1 ? " more such message, about " : " more such messages, about ")
+           + nounOf(closed.kind, places.size() > 1) + listed(places) + ".";
 }
 
 } // namespace norvane

@@ -12,8 +12,6 @@ namespace norvane {
 
 /// The series in hand: messages of one kind other than ReportKind::note.
 struct MessageSeries {
-    static constexpr std::int64_t shown = 5; ///< messages of a series that are shown
-
     ReportKind kind = ReportKind::note;
     std::int64_t count = 0;           ///< of the messages
     std::vector<std::int64_t> places; ///< those of the messages that were held back, ascending parts one after another

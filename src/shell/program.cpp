@@ -2,6 +2,7 @@
 
 #include "core/run_driver.h"
 #include "display/field_plot.h"
+#include "display/quantities.h"
 #include "display/snapshot.h"
 #include "exchange/log_file.h"
 #include "exchange/state_file.h"
@@ -15,11 +16,6 @@
 namespace norvane {
 
 namespace {
-
-/// Entry k stands for quantity k + 1.
-constexpr const char* quantityNames[] = {"Temperature",   "Velocity", "Std Velocity", "Pressure", "Density",
-                                         "Concentration", "X",        "dx",           "dh",       "at",
-                                         "VectorPlot"};
 
 bool startsInBatchMode(const std::string& programName) {
     const std::string stem = std::filesystem::path(programName).stem().string();
@@ -77,7 +73,7 @@ void connectProgram(Program& program) {
 void startProgram(Program& program, const ProgramStart& start) {
     Interface& ui = program.ui;
     setDirectory(program, start.folder);
-    for (const char* name : quantityNames) ui.NV_dsp.Combo1.entries.emplace_back(name);
+    for (const char* name : quantityNames()) ui.NV_dsp.Combo1.entries.emplace_back(name);
     program.sim.batchMode = startsInBatchMode(start.name) ? 1 : 0;
     if (program.sim.batchMode == 0) return;
     const std::string geometry = batchGeometry(program, start);

@@ -1,36 +1,17 @@
 // A script drives the whole program; what it prints is what a person would have seen.
 
+#include "support/run_program.h"
 #include "support/test_program.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <algorithm>
-#include <cstdio>
 
 namespace norvane {
 namespace {
 
 using testing::HasSubstr;
-
-struct Outcome {
-    std::string out; ///< both streams, in order
-    int status = -1;
-};
-
-/// Runs the program in the folder of a test, with its streams joined.
-Outcome runProgram(const std::string& arguments) {
-    Outcome outcome;
-    const std::string command = std::string(NORVANE_PROGRAM) + " " + arguments + " 2>&1";
-    std::FILE* pipe = ::popen(command.c_str(), "r");
-    if (pipe == nullptr) return outcome;
-    char block[4096];
-    for (std::size_t got = 0; (got = std::fread(block, 1, sizeof block, pipe)) > 0;) outcome.out.append(block, got);
-    const int status = ::pclose(pipe);
-    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return outcome;
-}
 
 Outcome runScriptText(const TestProgram& test, const std::string& script) {
     test.write("s.txt", script);
@@ -94,7 +75,7 @@ TEST(script, tellsTheLineOfAFaultAndEndsThere) {
         EXPECT_THAT(outcome.out, testing::StartsWith("NV_in: visible \"Commands\"\nscript:3: ")) << line;
         EXPECT_THAT(outcome.out, HasSubstr(what)) << line;
     };
-    expectFault("dir", "no path behind dir");
+    expectFault("dir", "no path after dir");
     expectFault("jump", "no command \"jump\"");
     expectFault("click NV_in.Command3", "no control \"NV_in.Command3\"");
     expectFault("close NV_x", "no form \"NV_x\"");
@@ -104,7 +85,11 @@ TEST(script, tellsTheLineOfAFaultAndEndsThere) {
     expectFault("resize NV_out 10", "a size is two whole numbers");
     expectFault("at 3 print NV_in", "a moment is written STEP.K");
     expectFault("put no/such/folder 1", "can't write \"no/such/folder\"");
+    expectFault("put ../m.gmt L", "lies outside the working directory");
     EXPECT_EQ(runProgram("script none.txt").status, 2);
+    test.write("s.txt", "put ../" + test.folder.filename().string() + ".txt 1");
+    EXPECT_EQ(runProgram("script --allow-outside s.txt").status, 0);
+    EXPECT_TRUE(std::filesystem::remove(test.folder.string() + ".txt"));
 }
 
 TEST(script, countsYieldsOfTheInnermostRun) {

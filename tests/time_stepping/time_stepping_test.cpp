@@ -72,6 +72,18 @@ TEST(run, convergesWithTheFourthOrderOfItsSteps) {
     EXPECT_NEAR(order, 4, 0.5) << coarse << ' ' << medium << ' ' << fine;
 }
 
+TEST(schedule, goesOnWithoutAnOutputThatRunsOutOfMemory) {
+    TestProgram test;
+    test.program.operations.output("plot").write = [](SimState&) { throw std::bad_alloc(); };
+    test.load("DT 1E-6:NT 5:UT 1:LT 1\nL\n\nL");
+    test.click("NV_in.Command2");
+    EXPECT_THAT(test.takeMessages(),
+                ElementsAre("There is not enough memory for the plot.\r\nThe run goes on without it."));
+    EXPECT_EQ(test.sim.stepCount, 5);
+    const std::string log = test.read("m_log");
+    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 5);
+}
+
 TEST(schedule, plotsLogsAndSavesAtTheirSteps) {
     TestProgram test;
     std::vector<int> plots;

@@ -4,8 +4,10 @@
 #include "geometry/grid_file.h"
 #include "geometry/model_build.h"
 #include "platform/files.h"
+#include "platform/terminal_text.h"
 
 #include <cstdio>
+#include <filesystem>
 
 namespace norvane {
 
@@ -21,12 +23,25 @@ std::string withPlainLineEnds(const std::string& text) {
 
 void print(Console& console, const std::string& text) {
     console.beforeMessage();
-    std::fprintf(stderr, "%s\n", withPlainLineEnds(text).c_str());
+    std::fprintf(stderr, "%s\n", printable(withPlainLineEnds(text), true).c_str());
+}
+
+/// A line end in the name of the model's files would fake a line of the program.
+std::string withNameOnOneLine(const Console& console, std::string text) {
+    for (const std::string& name : {console.program.sim.fileName, console.program.sim.baseName}) {
+        const std::string safe = printableName(name);
+        if (safe == name) continue;
+        for (std::size_t at = text.find(name); at != std::string::npos; at = text.find(name, at + safe.size()))
+            text.replace(at, name.size(), safe);
+    }
+    return text;
 }
 
 void show(Console& console, const Report& report) {
     if (endsSeries(console.series, report)) closeSeries(console);
-    if (countMessage(console.series, report)) print(console, report.text);
+    if (!countMessage(console.series, report)) return;
+    print(console, withNameOnOneLine(console, report.text));
+    if (!report.detail.empty()) print(console, printableName(report.detail));
 }
 
 } // namespace
@@ -43,19 +58,27 @@ void closeSeries(Console& console) {
 
 ExitStatus loadFor(Console& console, const std::string& geometry) {
     Program& program = console.program;
+    SimState& sim = program.sim;
     if (nameOf(geometry).empty()) {
-        std::fprintf(stderr, "\"%s\" names no geometry file\n", geometry.c_str());
+        std::fprintf(stderr, "\"%s\" names no geometry file\n", printableName(geometry).c_str());
         return exitFileFault;
     }
-    const FileResult readable = tryOpenForReading(geometry);
-    program.sim.batchMode = 1;
+    sim.batchMode = 1;
     selectGeometry(program, geometry);
-    loadGeometry(program.sim, program.ui);
+    loadGeometry(sim, program.ui);
     closeSeries(console);
-    if (!readable) return exitFileFault;
-    if (program.sim.nDim > 0 && program.sim.nCells == 0)
-        std::fprintf(stderr, "%s: a grid without cells; mend its layer marks\n", program.sim.fileName.c_str());
-    return program.sim.nCells == 0 ? exitNoModel : exitDone;
+    if (sim.told.geometry) return exitFileFault;
+    if (sim.nDim > 0 && sim.nCells == 0)
+        std::fprintf(stderr, "%s: a grid without cells; mend its layer marks\n", printableName(sim.fileName).c_str());
+    return sim.nCells == 0 ? exitNoModel : exitDone;
+}
+
+bool wouldOverwrite(const std::string& geometry, const std::string& output) {
+    std::error_code unknown;
+    if (!std::filesystem::equivalent(geometry, output, unknown)) return false;
+    std::fprintf(stderr, "%s: this command writes a file of that name; rename the geometry\n",
+                 printableName(geometry).c_str());
+    return true;
 }
 
 ExitStatus standModel(Console& console, bool recalled) {
@@ -65,18 +88,6 @@ ExitStatus standModel(Console& console, bool recalled) {
     if (recalled) return recallState(sim, console.program.ui) ? exitDone : exitFileFault;
     buildModel(sim, console.program.ui);
     return exitDone;
-}
-
-std::string printable(const std::string& text) {
-    std::string safe;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        const auto c = static_cast<unsigned char>(text[at]);
-        const bool isC1 = c == 0xC2 && at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) < 0xA0;
-        const bool isControl = (c < 0x20 && c != '\n' && c != '\t') || c == 0x7F || isC1;
-        safe += isControl ? '?' : text[at];
-        if (isC1) ++at;
-    }
-    return safe;
 }
 
 std::string describedGrid(const SimState& sim) {

@@ -22,16 +22,15 @@ void connectConsole(Console& console);
 /// Prints how many messages of a series were held back, if any.
 void closeSeries(Console& console);
 
-/// Imports a geometry without its structure message; what is wrong with it is told. Gives the exit status.
+/// Imports a geometry without its structure message; what is wrong with it is printed. Gives the exit status.
 ExitStatus loadFor(Console& console, const std::string& geometry);
 
 /// Makes the model stand for a command that only looks: built afresh, or recalled from the state file. Gives the exit
 /// status; leaves the stop file alone.
 ExitStatus standModel(Console& console, bool recalled);
 
-/// A text for a terminal: control characters, which could move its cursor or set its title, become "?". Line ends and
-/// tabs stay.
-std::string printable(const std::string& text);
+/// Whether a geometry is the very file that a command writes; then that is printed.
+bool wouldOverwrite(const std::string& geometry, const std::string& output);
 
 /// The cells along each dimension and the species, "60 x 18 cells, 2 species".
 std::string describedGrid(const SimState& sim);

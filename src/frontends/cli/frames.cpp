@@ -31,17 +31,21 @@ std::string frameList(const Frames& frames) {
 } // namespace
 
 void takeFrame(Frames& frames, SimState& sim, Interface& ui) {
-    if (!frames.result) return;
     const DrawnSurface drawn(ui.NV_out.Picture1);
     ui.NV_out.Picture1.cls();
     drawField(sim, ui); // the plot file belongs to the plots of the schedule
     const std::string path = numbered(frames.prefix, sim.stepCount);
-    frames.result = writePicture(drawn.image(), path, PictureFormat::png);
-    if (frames.result)
+    const FileResult written = writePicture(drawn.image(), path, PictureFormat::png);
+    if (written)
         frames.paths.push_back(absolutePath(path));
-    else
-        ui.showMessage("The picture " + path + " can't be written: " + frames.result.reason
-                       + ".\r\nThe run goes on without pictures.");
+    else if (frames.missing++ == 0)
+        ui.showMessage("The picture " + path + " can't be written: " + written.reason
+                       + ".\r\nThe run goes on without it.");
+}
+
+bool canMakeMovies() {
+    std::error_code unknown;
+    return std::filesystem::is_regular_file(programPath("ffmpeg"), unknown);
 }
 
 std::string makeMovie(const Frames& frames, const std::string& path) {

@@ -14,11 +14,14 @@ namespace norvane {
 struct Frames {
     std::string prefix; ///< path of a frame up to its number
     std::vector<std::string> paths;
-    FileResult result; ///< of the latest write; after a fault nothing more is tried
+    int missing = 0; ///< frames that could not be written; the first one is reported
 };
 
 /// Draws the plot of this moment and writes it as the next frame.
 void takeFrame(Frames& frames, SimState& sim, Interface& ui);
+
+/// Whether makeMovie finds the program that it needs.
+bool canMakeMovies();
 
 /// Makes a film of the frames with ffmpeg and removes them. Where that can't be done the frames stay; gives the reason,
 /// empty when the film is made.

@@ -1,19 +1,25 @@
 // The command line. Options are read here and nowhere else.
 
 #include "core/sim_state.h"
+#include "display/quantities.h"
 #include "frontends/cli/exit_status.h"
+#include "frontends/cli/nearest.h"
 #include "frontends/cli/plot_command.h"
 #include "frontends/cli/run_command.h"
 #include "frontends/cli/spectrum_command.h"
 #include "frontends/script/script_front_end.h"
 #include "platform/files.h"
 #include "platform/process.h"
+#include "platform/terminal_text.h"
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <exception>
 #include <filesystem>
 #include <iostream>
+#include <string>
+#include <vector>
 
 namespace norvane {
 
@@ -74,6 +80,16 @@ CLI::App* addRun(CLI::App& app, RunOptions& options) {
     return run;
 }
 
+std::string listedQuantities() {
+    std::string text;
+    int number = 0;
+    for (const char* name : quantityNames()) {
+        text += (number > 0 ? ", " : "") + std::to_string(number + 1) + " " + name;
+        ++number;
+    }
+    return text;
+}
+
 CLI::App* addPlot(CLI::App& app, PlotOptions& options) {
     CLI::App* plot = app.add_subcommand("plot", plotHelp);
     addGeometry(plot, options.geometry);
@@ -81,14 +97,16 @@ CLI::App* addPlot(CLI::App& app, PlotOptions& options) {
         ->type_name("FILE")
         ->required();
     plot->add_flag("--state", options.state, "recall the saved state first");
-    plot->add_option("--quantity", options.quantity, "what to show, by its name in the list of the panel");
+    plot->add_option("--quantity", options.quantity, "what to show, by name or number: " + listedQuantities());
     plot->add_option("--component", options.component,
-                     "total, x, y, z or the number of a dimension; of a species, from 1 as the panel lists them");
+                     "total, x, y, z or the number of a dimension; of a species, its number in the table, from 0");
     plot->add_option("--slice", options.slices, "DIMENSION=SLICE, for each dimension that is not drawn; from 0")
         ->type_name("D=N");
     plot->add_option("--columns", options.columns, "the dimension that is drawn across")->type_name("D");
     plot->add_option("--rows", options.rows, "the dimension that is drawn downward")->type_name("D");
-    plot->add_option("--scale", options.scale, "the ends of the colour scale; auto fits them to the plane")
+    plot->add_option("--scale", options.scale,
+                     "the ends of the colour scale, in the unit of the quantity (deg C, m/s, Pa ...); auto fits them "
+                     "to the plane")
         ->type_name("LOW:HIGH");
     plot->add_option("--zoom", options.zoom, "a stretch for each dimension, such as 1,2");
     plot->add_option("--title", options.title, "the title of the plot");
@@ -109,6 +127,54 @@ CLI::App* addSpectrum(CLI::App& app, SpectrumOptions& options) {
     return spectrum;
 }
 
+std::string withNearest(std::string text, const std::string& given, const std::vector<std::string>& words) {
+    const std::string nearest = nearestWord(given, words);
+    return nearest.empty() ? text : text + " Did you mean \"" + nearest + "\"?";
+}
+
+/// What is wrong with the first word that is no command; empty: nothing.
+std::string unknownCommand(const CLI::App& app, const std::string& given) {
+    std::vector<std::string> names;
+    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
+        names.push_back(command->get_name());
+    if (std::find(names.begin(), names.end(), given) != names.end()) return {};
+    const std::string text = "norvane: \"" + printableName(given) + "\" is no command.";
+    std::error_code unknown;
+    if (std::filesystem::is_regular_file(given, unknown))
+        return text + " Did you mean \"norvane run " + printableName(given) + "\"?";
+    return withNearest(text, given, names);
+}
+
+/// What is wrong with an option that a command does not have; empty: nothing.
+std::string unknownOption(const CLI::App& command, const std::string& given) {
+    std::vector<std::string> names;
+    for (const CLI::Option* option : command.get_options())
+        for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+    const std::string name = given.substr(0, given.find('='));
+    if (std::find(names.begin(), names.end(), name) != names.end()) return {};
+    const std::string where = command.get_parent() == nullptr ? "norvane" : "norvane " + command.get_name();
+    return withNearest(where + ": there is no option \"" + printableName(name) + "\".", name, names);
+}
+
+/// What is wrong with the first word of a command line that is neither a command nor an option; empty: nothing. The
+/// parser would rather blame what follows such a word.
+std::string unknownWord(const CLI::App& app, const std::vector<std::string>& words) {
+    const CLI::App* command = &app;
+    for (const std::string& word : words) {
+        if (word == "--") break;
+        const bool isOption = word.size() > 2 && word.compare(0, 2, "--") == 0;
+        std::string fault;
+        if (isOption) {
+            fault = unknownOption(*command, word);
+        } else if (command == &app && !word.empty() && word[0] != '-') {
+            fault = unknownCommand(app, word);
+            if (fault.empty()) command = app.get_subcommand(word);
+        }
+        if (!fault.empty()) return fault;
+    }
+    return {};
+}
+
 int runCommandLine(int argc, char** argv) {
     CLI::App app("Norvane simulates compressible gas flow with heat and species transport through a grid of cells,\n"
                  "drawn in a spreadsheet and saved as a tab-separated .gmt table.");
@@ -127,7 +193,14 @@ int runCommandLine(int argc, char** argv) {
     CLI::App* script = app.add_subcommand("script", scriptHelp);
     script->add_option("FILE", scriptPath, "the script; - is standard input")->required();
     script->add_flag("--trace", trace, "print every operation on the drawing surface as well");
+    bool putsAnywhere = false;
+    script->add_flag("--allow-outside", putsAnywhere, "let put write files outside the working directory");
 
+    const std::string unknown = unknownWord(app, {argv + std::min(argc, 1), argv + argc});
+    if (!unknown.empty()) {
+        std::cerr << unknown << "\nRun with --help for more information.\n";
+        return exitBadUse;
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& end) {
@@ -137,7 +210,7 @@ int runCommandLine(int argc, char** argv) {
     if (*run) return runGeometry(runOptions);
     if (*plot) return plotGeometry(plotOptions);
     if (*spectrum) return writeSpectrumOf(spectrumOptions);
-    return runScript(scriptPath, trace);
+    return runScript(scriptPath, trace, putsAnywhere);
 }
 
 /// A program file whose name ends in "_" starts in batch mode, with a geometry as its only argument.

@@ -5,6 +5,7 @@
 #include "display/quantities.h"
 #include "frontends/cli/console.h"
 #include "frontends/image/image_surface.h"
+#include "platform/terminal_text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -23,7 +24,7 @@ std::string lowered(std::string text) {
 
 /// Prints what is wrong with an option, and gives false for the caller to pass on.
 bool fault(const std::string& option, const std::string& given, const std::string& allowed) {
-    std::fprintf(stderr, "%s: \"%s\" is not %s\n", option.c_str(), given.c_str(), allowed.c_str());
+    std::fprintf(stderr, "%s: \"%s\" is not %s\n", option.c_str(), printableName(given).c_str(), allowed.c_str());
     return false;
 }
 
@@ -56,6 +57,10 @@ std::string range(int low, int high) { return std::to_string(low) + " to " + std
 
 bool takeQuantity(const PlotOptions& options, SimState& sim, const Selector& quantities) {
     if (options.quantity.empty()) return true;
+    if (const auto number = wholeIn(options.quantity, 1, quantities.listCount())) {
+        sim.showWhat = static_cast<std::int16_t>(*number);
+        return true;
+    }
     std::string names;
     for (std::size_t k = 0; k < quantities.entries.size(); ++k) {
         if (lowered(quantities.entries[k]) == lowered(options.quantity)) {
@@ -64,15 +69,16 @@ bool takeQuantity(const PlotOptions& options, SimState& sim, const Selector& qua
         }
         names += (k > 0 ? ", " : "") + quantities.entries[k];
     }
-    return fault("--quantity", options.quantity, "one of " + names);
+    return fault("--quantity", options.quantity,
+                 "one of " + names + ", or its number, " + range(1, quantities.listCount()));
 }
 
 bool takeComponent(const PlotOptions& options, SimState& sim) {
     if (options.component.empty()) return true;
     if (sim.showWhat == showConcentration) {
-        const std::optional<int> species = wholeIn(options.component, 1, sim.nsMax + 1);
-        if (!species) return fault("--component", options.component, "a species, " + range(1, sim.nsMax + 1));
-        sim.showDims = static_cast<std::int16_t>(*species - 1);
+        const std::optional<int> species = wholeIn(options.component, 0, sim.nsMax);
+        if (!species) return fault("--component", options.component, "a species of the table, " + range(0, sim.nsMax));
+        sim.showDims = static_cast<std::int16_t>(*species);
         return true;
     }
     if (!hasDirections(sim.showWhat))
@@ -119,6 +125,8 @@ bool takeSlices(const PlotOptions& options, SimState& sim) {
         const std::vector<std::string> sides = parts(slice, '=');
         const std::optional<int> dim = sides.size() == 2 ? wholeIn(sides[0], 1, sim.nDim) : std::nullopt;
         if (!dim) return fault("--slice", slice, "DIMENSION=SLICE with a dimension of " + range(1, sim.nDim));
+        if (*dim == sim.axisPair[0] || *dim == sim.axisPair[1])
+            return fault("--slice", slice, "possible: dimension " + sides[0] + " is drawn (see --columns, --rows)");
         const int last = sim.cellCount[*dim] - 1;
         const std::optional<int> place = wholeIn(sides[1], 0, last);
         if (!place) return fault("--slice", slice, "a slice of that dimension, " + range(0, last));
@@ -164,8 +172,10 @@ bool takeScale(const PlotOptions& options, SimState& sim) {
     const std::optional<double> high = ends.size() == 2 ? numberIn(ends[1]) : std::nullopt;
     const auto bottom = static_cast<float>(low.value_or(0));
     const auto top = static_cast<float>(high.value_or(0));
-    if (!low || !high || bottom == top || !std::isfinite(bottom) || !std::isfinite(top))
-        return fault("--scale", options.scale, "LOW:HIGH, such as 290:400, or auto");
+    const bool isReversed = sim.showWhat != showVectors && top < bottom; // of arrows each end has a meaning of its own
+    if (!low || !high || bottom == top || isReversed || !std::isfinite(bottom) || !std::isfinite(top))
+        return fault("--scale", options.scale,
+                     "LOW:HIGH in the unit of the quantity, such as 20:120 for deg C, or auto");
     sim.scaleMin = bottom;
     sim.scaleMax = top;
     return true;
@@ -225,7 +235,7 @@ int plotGeometry(const PlotOptions& options) {
     if (!(program.sim.density[0] > 0)) {
         std::fprintf(stderr,
                      "%s: the density of the default cell (key RH) is not above 0, so there is nothing to draw\n",
-                     program.sim.fileName.c_str());
+                     printableName(program.sim.fileName).c_str());
         return exitNoModel;
     }
     if (!takeOptions(options, program)) return exitBadUse;
@@ -238,7 +248,7 @@ int plotGeometry(const PlotOptions& options) {
     drawField(program.sim, program.ui);
     const FileResult written = writePicture(*picture, options.output, *format);
     if (written) return exitDone;
-    std::fprintf(stderr, "%s can't be written: %s\n", options.output.c_str(), written.reason.c_str());
+    std::fprintf(stderr, "%s can't be written: %s\n", printableName(options.output).c_str(), written.reason.c_str());
     return exitFileFault;
 }
 

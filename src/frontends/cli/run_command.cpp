@@ -11,10 +11,14 @@
 #include "frontends/image/image_surface.h"
 #include "platform/claim.h"
 #include "platform/files.h"
+#include "platform/terminal_text.h"
 
+#include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <map>
 
 #ifdef _WIN32
 #    include <io.h>
@@ -26,18 +30,20 @@ namespace norvane {
 
 namespace {
 
-volatile std::sig_atomic_t stopSignal = 0;
-std::chrono::steady_clock::time_point stopMoment; ///< of the first signal
+std::atomic<int> stopSignal = 0;
+std::atomic<std::int64_t> stopMoment = 0; ///< ns, of the first signal
+static_assert(std::atomic<int>::is_always_lock_free && std::atomic<std::int64_t>::is_always_lock_free,
+              "a signal may come to any thread at any moment");
 
 /// A second signal ends the process at once; but some programs send theirs twice in a moment, to a process and its
 /// group.
 void takeSignal(int number) {
-    using namespace std::chrono_literals;
-    const auto now = std::chrono::steady_clock::now();
-    if (stopSignal == 0) {
+    constexpr std::int64_t oneMoment = 300'000'000; // ns
+    const std::int64_t now = std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
+    int none = 0;
+    if (stopSignal.compare_exchange_strong(none, number)) {
         stopMoment = now;
-        stopSignal = number;
-    } else if (now - stopMoment > 300ms) {
+    } else if (now - stopMoment > oneMoment) {
         std::signal(number, SIG_DFL);
         std::raise(number);
         return;
@@ -65,14 +71,17 @@ struct ConsoleRun {
     Progress progress;
     Frames frames;
     bool ran = false;
-    Claim files;  ///< of this model
-    Claim folder; ///< the working directory, for the stop file
+    bool printed = true;                ///< all that was to be printed
+    std::map<std::string, int> bitmaps; ///< names of the snapshots of key FT, with how many were written under each
+    Claim files;                        ///< of this model
+    Claim folder;                       ///< the working directory, for the stop file
 };
 
-void say(const ConsoleRun& run, const std::string& line) {
+void say(ConsoleRun& run, const std::string& line) {
     if (run.options.quiet) return;
-    std::printf("%s\n", line.c_str());
-    std::fflush(stdout);
+    errno = 0;
+    const bool printed = std::printf("%s\n", printableName(line).c_str()) >= 0 && std::fflush(stdout) == 0;
+    if (!printed && errno != EPIPE) run.printed = false; // a reader who leaves has read enough
 }
 
 /// The build has read the keys: what the command line tells takes their place.
@@ -83,16 +92,22 @@ void beginRun(ConsoleRun& run) {
     if (run.options.frameEvery > 0) sim.frameEvery = run.options.frameEvery;
     run.progress.begin(sim);
     const std::int64_t steps = std::int64_t{sim.stopStep} - sim.stepCount;
-    const std::string length = sim.stopStep < 0 ? "steps until it is stopped"
-                               : steps <= 1     ? "1 step"
-                                                : std::to_string(steps) + " steps";
+    const std::string size = " of " + generalText(sim.dt) + " s";
+    const std::string length = sim.stopStep < 0 ? "steps" + size + " until it is stopped"
+                               : steps <= 1     ? "1 step" + size
+                                                : std::to_string(steps) + " steps" + size;
     const std::string start = sim.stepCount > 0 ? " from step " + std::to_string(sim.stepCount) : "";
-    say(run, sim.fileName + ": " + describedGrid(sim) + ", " + length + " of " + generalText(sim.dt) + " s" + start);
+    say(run, sim.fileName + ": " + describedGrid(sim) + ", " + length + start);
 }
 
 /// A snapshot is drawn on an image that exists for it alone: the plots in between cost no drawing.
-void takeDrawnSnapshot(SimState& sim, Interface& ui) {
+void takeDrawnSnapshot(ConsoleRun& run, SimState& sim, Interface& ui) {
     const DrawnSurface drawn(ui.NV_out.Picture1);
+    ui.NV_out.Picture1.savePicture = [&run, save = ui.NV_out.Picture1.savePicture](const std::string& path) {
+        std::string reason = save(path);
+        if (reason.empty()) run.bitmaps[path] += 1;
+        return reason;
+    };
     takeSnapshot(sim, ui, 0);
 }
 
@@ -110,7 +125,7 @@ void connectRun(ConsoleRun& run) {
         if (run.options.frameEvery > 0)
             takeFrame(run.frames, sim, ui);
         else
-            takeDrawnSnapshot(sim, ui);
+            takeDrawnSnapshot(run, sim, ui);
     };
 }
 
@@ -123,7 +138,7 @@ bool claimFiles(ConsoleRun& run) {
         std::fprintf(stderr,
                      "Another run%s is writing the files %s_* in this folder.\n"
                      "Wait for it, stop it, or run a copy of the geometry in a folder of its own.\n",
-                     processText(other).c_str(), printable(sim.baseName).c_str());
+                     processText(other).c_str(), printableName(sim.baseName).c_str());
         return false;
     }
     run.folder = Claim::shared(".", "checkstop", other);
@@ -155,22 +170,36 @@ bool saveAtEnd(ConsoleRun& run) {
     return saved;
 }
 
-bool makeMovieAtEnd(const ConsoleRun& run) {
+bool makeMovieAtEnd(ConsoleRun& run) {
     const std::string fault = makeMovie(run.frames, run.options.movie);
     if (fault.empty()) {
         say(run, "The film " + run.options.movie + " has " + std::to_string(run.frames.paths.size()) + " pictures.");
         return true;
     }
     const std::string rest = run.frames.paths.empty() ? "" : " The pictures " + run.frames.prefix + "*.png stay.";
-    std::fprintf(stderr, "No film %s: %s.%s\n", run.options.movie.c_str(), fault.c_str(), rest.c_str());
+    std::fprintf(stderr, "No film %s: %s.%s\n", printableName(run.options.movie).c_str(), fault.c_str(),
+                 printableName(rest).c_str());
     return false;
 }
 
-void tellEnd(ConsoleRun& run) {
+/// The stamp in the name of a snapshot counts seconds.
+void reportReplacedBitmaps(const ConsoleRun& run) {
+    int replaced = 0;
+    for (const auto& [path, count] : run.bitmaps) replaced += count - 1;
+    if (replaced > 0)
+        std::fprintf(stderr,
+                     "%d of the snapshots of key FT were replaced by one of the same second.\n"
+                     "--snapshots N numbers its pictures by their steps instead.\n",
+                     replaced);
+}
+
+void reportEnd(ConsoleRun& run) {
     const SimState& sim = run.console.program.sim;
     const RunOutcome& outcome = sim.outcome;
     run.progress.wipe();
     closeSeries(run.console);
+    reportReplacedBitmaps(run);
+    if (run.frames.missing > 1) std::fprintf(stderr, "%d pictures in all could not be written.\n", run.frames.missing);
     const std::string end =
         "Step " + std::to_string(sim.stepCount) + " after " + spanText(run.progress.seconds()) + ": ";
     if (outcome.negativeDensity)
@@ -184,16 +213,17 @@ void tellEnd(ConsoleRun& run) {
 
 /// Ends a run in order, and gives the status that says how it went.
 int finish(ConsoleRun& run) {
-    tellEnd(run);
+    reportEnd(run);
     bool written = true;
     if (run.options.save) written = saveAtEnd(run) && written;
     if (!run.options.movie.empty()) written = makeMovieAtEnd(run) && written;
     const SimState& sim = run.console.program.sim;
     if (sim.outcome.negativeDensity) return exitEndedByModel;
     const ToldFaults& told = sim.told;
-    const bool missesOutput =
-        told.log || told.stopFile || told.plotFile || told.snapshot || told.state || told.memory != 0;
-    if (missesOutput || !written || !run.frames.result) return exitFileFault;
+    // Not the stop file: the results are whole without it.
+    const bool missesOutput = told.log || told.plotFile || told.snapshot || told.state || told.memory != 0;
+    if (!run.printed) std::fprintf(stderr, "norvane: not all could be printed\n");
+    if (missesOutput || !written || run.frames.missing > 0 || !run.printed) return exitFileFault;
     return sim.outcome.reachedStopStep ? exitDone : exitStoppedEarly;
 }
 
@@ -201,11 +231,16 @@ int finish(ConsoleRun& run) {
 
 int runGeometry(const RunOptions& options) {
     ConsoleRun run(options);
+    if (!options.movie.empty() && !canMakeMovies()) {
+        std::fprintf(stderr, "--movie: ffmpeg is not installed; without it there is no film\n");
+        return exitBadUse;
+    }
     connectRun(run);
     Program& program = run.console.program;
     program.sim.threads = options.threads;
     const ExitStatus loaded = loadFor(run.console, options.geometry);
     if (loaded != exitDone) return loaded;
+    if (wouldOverwrite(options.geometry, "checkstop")) return exitBadUse;
     if (!claimFiles(run)) return exitFileFault;
     run.frames.prefix = absolutePath(program.sim.inputDir + "/" + program.sim.baseName + "_");
     if (options.radiation) importViewFactors(program.sim, program.ui);
@@ -233,8 +268,7 @@ int runBatch(const ProgramStart& start) {
     startProgram(run.console.program, claiming);
     if (isTaken) return exitFileFault;
     if (run.ran) return finish(run);
-    const bool unreadable = !start.geometry.empty() && !tryOpenForReading(start.geometry);
-    return unreadable ? exitFileFault : exitNoModel;
+    return run.console.program.sim.told.geometry ? exitFileFault : exitNoModel;
 }
 
 } // namespace norvane

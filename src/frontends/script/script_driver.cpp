@@ -1,6 +1,7 @@
 #include "frontends/script/script_driver.h"
 
 #include "platform/files.h"
+#include "platform/terminal_text.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -10,7 +11,7 @@ namespace norvane {
 namespace {
 
 [[noreturn]] void endWithFault(const ScriptLine& line, const std::string& what) {
-    std::fprintf(stderr, "script:%d: %s\n", line.number, what.c_str());
+    std::fprintf(stderr, "script:%d: %s\n", line.number, printableName(what).c_str());
     std::fflush(nullptr);
     std::_Exit(2);
 }
@@ -23,8 +24,11 @@ void requireControl(const ScriptLine& line, const std::string& name, const char*
     if (!found) endWithFault(line, "there is no control \"" + name + "\" to " + act);
 }
 
-void putFile(const ScriptLine& line, std::string_view rest) {
+/// A script of a bug report must not write over just any file of whoever replays it.
+void putFile(const ScriptLine& line, std::string_view rest, bool anywhere) {
     const std::string path = takeWord(rest);
+    if (!anywhere && !liesBelow(path, "."))
+        endWithFault(line, "\"" + path + "\" lies outside the working directory; --allow-outside lets put write there");
     const FileResult written = writeFile(path, unescaped(rest));
     if (!written) endWithFault(line, "can't write \"" + path + "\": " + written.reason);
 }
@@ -55,7 +59,8 @@ std::string fileListLook(const std::string& selected, const std::vector<std::str
     return escaped(selected) + listedEntries(names);
 }
 
-ScriptDriver::ScriptDriver(Program& program, ScriptHands hands) : program_(program), hands_(std::move(hands)) {
+ScriptDriver::ScriptDriver(Program& program, ScriptHands hands, bool putsAnywhere)
+    : program_(program), hands_(std::move(hands)), putsAnywhere_(putsAnywhere) {
     program.ui.runBegan = [this] { yieldsOfRuns_.push_back(0); };
     program.ui.stepBegan = [this] { yieldsOfRuns_.back() = 0; };
     program.ui.runEnded = [this] { yieldsOfRuns_.pop_back(); };
@@ -100,7 +105,7 @@ void ScriptDriver::awaitYield(const ScriptLine& line, std::string_view rest) {
     if (point == std::string::npos || !readWhole(std::string_view(moment).substr(0, point), step)
         || !readWhole(std::string_view(moment).substr(point + 1), yield))
         endWithFault(line, "a moment is written STEP.K, such as 40.2");
-    if (trimmed(rest).empty()) endWithFault(line, "there is no command behind the moment");
+    if (trimmed(rest).empty()) endWithFault(line, "there is no command after the moment");
     awaited_[{step, yield}].push_back({line.number, std::string(rest)});
 }
 
@@ -108,7 +113,7 @@ void ScriptDriver::execute(const ScriptLine& line) {
     std::string_view rest = line.text;
     const std::string command = takeWord(rest);
     if (command == "dir") {
-        if (trimmed(rest).empty()) endWithFault(line, "there is no path behind dir");
+        if (trimmed(rest).empty()) endWithFault(line, "there is no path after dir");
         hands_.changeDirectory(absolutePath(std::string(trimmed(rest))));
     } else if (command == "file") {
         hands_.selectFile(std::string(trimmed(rest)));
@@ -130,7 +135,7 @@ void ScriptDriver::execute(const ScriptLine& line) {
     } else if (command == "cancel") {
         answers_.emplace_back(std::nullopt);
     } else if (command == "put") {
-        putFile(line, rest);
+        putFile(line, rest, putsAnywhere_);
     } else if (command == "print") {
         print(line, takeWord(rest));
     } else if (command == "at") {

@@ -33,9 +33,10 @@ struct ScriptHands {
 class ScriptDriver {
 public:
     /// Counts the steps and yields of the program's runs from now on. Both must outlive the driver.
-    ScriptDriver(Program& program, ScriptHands hands);
+    /// `putsAnywhere`: put may write outside the working directory.
+    ScriptDriver(Program& program, ScriptHands hands, bool putsAnywhere = false);
 
-    /// Carries out a whole script. A fault of it is told on standard error, and ends the process.
+    /// Carries out a whole script. A fault of it is printed on standard error, and ends the process.
     void run(std::string_view bytes);
 
     /// A yield of the program has begun. Gives whether commands were kept for it.
@@ -56,6 +57,7 @@ private:
 
     Program& program_;
     ScriptHands hands_;
+    const bool putsAnywhere_;
     std::deque<std::optional<std::string>> answers_; ///< for input boxes; no value: Cancel
     std::map<std::pair<int, int>, std::vector<ScriptLine>>
         awaited_; ///< by step and yield of a run, from 1 in each step

@@ -4,6 +4,7 @@
 #include "frontends/script/record_hands.h"
 #include "frontends/script/surface_trace.h"
 #include "platform/files.h"
+#include "platform/terminal_text.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -24,7 +25,7 @@ void connectInterface(Interface& ui, ScriptDriver& driver) {
     };
     ui.endProgram = [] {
         printLine("ended");
-        std::exit(0);
+        std::exit(std::ferror(stdout) == 0 ? 0 : 2);
     };
     ui.beep = [] { printLine("beep"); };
     ui.formShown = [](Form& form, bool wasVisible) {
@@ -40,25 +41,28 @@ bool readScript(const std::string& path, std::string& bytes) {
         return true;
     }
     const FileResult read = readFile(path, bytes);
-    if (!read) std::fprintf(stderr, "script:0: can't read \"%s\": %s\n", path.c_str(), read.reason.c_str());
+    if (!read)
+        std::fprintf(stderr, "script:0: can't read \"%s\": %s\n", printableName(path).c_str(), read.reason.c_str());
     return static_cast<bool>(read);
 }
 
 } // namespace
 
-int runScript(const std::string& path, bool trace) {
+int runScript(const std::string& path, bool trace, bool putsAnywhere) {
     std::string bytes;
     if (!readScript(path, bytes)) return 2;
     Program program;
     connectProgram(program);
-    ScriptDriver driver(program, handsOnRecords(program));
+    ScriptDriver driver(program, handsOnRecords(program), putsAnywhere);
     connectInterface(program.ui, driver);
     drawOnImage(program.ui.NV_out.Picture1); // no screen, but snapshots are real pictures
     if (trace) traceSurface(program.ui.NV_out.Picture1, printLine);
     const std::string folder = path == "-" ? absolutePath(".") : folderOf(path);
     startProgram(program, {folder, "norvane", {}});
     driver.run(bytes);
-    return 0;
+    if (std::ferror(stdout) == 0) return 0;
+    std::fprintf(stderr, "script:0: not all could be printed\n");
+    return 2;
 }
 
 } // namespace norvane

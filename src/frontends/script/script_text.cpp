@@ -1,5 +1,7 @@
 #include "frontends/script/script_text.h"
 
+#include "platform/terminal_text.h"
+
 #include <algorithm>
 #include <charconv>
 
@@ -58,6 +60,13 @@ std::string unescaped(std::string_view text) {
 std::string escaped(std::string_view text) {
     std::string result;
     for (const char c : text) {
+        // A terminal must not take anything in a name for a command.
+        const bool isControl =
+            (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) && c != '\t' && c != '\r' && c != '\n';
+        if (isControl) {
+            result += printable({&c, 1}, false);
+            continue;
+        }
         switch (c) {
         case '\t': result += "\\t"; break;
         case '\r': result += "\\r"; break;
