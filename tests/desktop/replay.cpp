@@ -31,10 +31,10 @@ public:
     }
 };
 
+/// Of a series of messages only some come as boxes.
 void dismissMessage() {
     auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-    printLine("message: " + escaped(box->text().toStdString()));
-    QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
+    if (box != nullptr) QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
 }
 
 void answerQuestion(ScriptDriver& driver) {
@@ -50,7 +50,7 @@ void answerQuestion(ScriptDriver& driver) {
 /// Puts the script's part before the operations of the desktop: it acts inside the boxes and the polls themselves.
 void connectDriver(Interface& ui, Desktop& desktop, ScriptDriver& driver) {
     ui.showMessage = [show = ui.showMessage](const Report& report) {
-        QTimer::singleShot(0, dismissMessage);
+        printLine("message: " + escaped(report.text));
         show(report);
     };
     ui.askText = [ask = ui.askText, &driver](const std::string& prompt, const std::string& defaultText) {
@@ -84,6 +84,9 @@ int replay(const std::string& path, bool trace) {
     if (trace) traceSurface(program.ui.NV_out.Picture1, printLine);
     desktop.start({folderOf(path), "norvane", {}});
     WindowWatch watch;
+    QTimer dismissal;
+    QObject::connect(&dismissal, &QTimer::timeout, dismissMessage);
+    dismissal.start(1);
     for (FormWindow* window : desktop.windows()) window->installEventFilter(&watch);
     driver.run(bytes);
     for (FormWindow* window : desktop.windows()) window->removeEventFilter(&watch);

@@ -1,6 +1,7 @@
 #include "desktop/widget_hands.h"
 
 #include "frontends/desktop/control_views.h"
+#include "frontends/desktop/path_lists.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -45,7 +46,7 @@ QListWidgetItem* entryNamed(QListWidget* list, const std::string& name) {
     return found.back(); // behind the entry of the open folder itself
 }
 
-std::string openFolder() { return list("NV_in.Dir1")->item(0)->toolTip().toStdString(); }
+std::string openFolder() { return dynamic_cast<FolderList&>(*list("NV_in.Dir1")).path(); }
 
 /// Goes up to the nearest common folder, and down from there.
 void walkTo(const std::string& target) {

@@ -21,6 +21,7 @@
 #include <QSpinBox>
 #include <QTest>
 #include <QTimer>
+#include <QWheelEvent>
 
 namespace norvane {
 namespace {
@@ -55,7 +56,7 @@ std::vector<QWidget*> namedControls() {
     std::vector<QWidget*> controls;
     for (const char* form : {"NV_in", "NV_out", "NV_dsp", "NV_einde"})
         for (QWidget* control : findWindow(form)->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
-            controls.push_back(control);
+            if (!control->isHidden()) controls.push_back(control);
     return controls;
 }
 
@@ -155,6 +156,9 @@ TEST(windows, nameAndExplainEveryControl) {
     for (const QWidget* control : namedControls()) {
         EXPECT_FALSE(control->objectName().isEmpty());
         EXPECT_FALSE(control->accessibleName().isEmpty()) << control->objectName().toStdString();
+        const auto* button = qobject_cast<const QPushButton*>(control);
+        const QString caption = button == nullptr ? QString() : button->text().remove('&');
+        EXPECT_TRUE(control->accessibleName().startsWith(caption, Qt::CaseInsensitive)) << caption.toStdString();
         const bool isExplained =
             qobject_cast<const QLabel*>(control) != nullptr || !control->accessibleDescription().isEmpty();
         EXPECT_TRUE(isExplained) << control->objectName().toStdString();
@@ -265,12 +269,79 @@ TEST(windows, keepTheNumberOfThreadsForTheNextRuns) {
     EXPECT_EQ(Screen().test.sim.threads, 2) << "which counts for one start";
 }
 
-TEST(windows, selectorsTakeNoTyping) {
+TEST(windows, selectorsFollowLettersAndOnlyTheirOwnWheel) {
     Screen screen;
+    screen.runExample("channel", 1);
     auto* quantity = findWidget<QComboBox>("NV_dsp.Combo1");
-    QTest::keyClicks(quantity->lineEdit(), "Pressure");
-    EXPECT_EQ(quantity->currentText(), "Combo1");
-    EXPECT_EQ(screen.test.ui.NV_dsp.Combo1.listIndex, -1);
+    const int before = screen.test.sim.showWhat;
+    QWheelEvent wheel({5, 5}, quantity->mapToGlobal(QPointF(5, 5)), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(quantity, &wheel);
+    EXPECT_EQ(screen.test.sim.showWhat, before);
+    QTest::keyClicks(quantity->lineEdit(), "pr");
+    EXPECT_EQ(quantity->currentText(), "Pressure");
+    EXPECT_EQ(screen.test.sim.showWhat, 4);
+}
+
+TEST(windows, showTheFirstFewBoxesOfASeriesAndOneThatClosesIt) {
+    TestProgram test;
+    Desktop desktop(test.program);
+    desktop.start({test.folder.string(), "norvane", {}});
+    std::vector<std::string> boxes;
+    QTimer dismissal;
+    QObject::connect(&dismissal, &QTimer::timeout, [&] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (box == nullptr) return;
+        boxes.push_back(box->text().toStdString());
+        EXPECT_EQ(box->parentWidget(), findWindow("NV_in")) << "the window whose button was clicked";
+        box->button(QMessageBox::Ok)->click();
+    });
+    dismissal.start(1);
+    test.write("m.gmt", "L\n\nL32767");
+    selectGeometry(test.program, "m.gmt");
+    QTest::mouseClick(findWidget<QPushButton>("NV_in.Command1"), Qt::LeftButton);
+    EXPECT_LT(boxes.size(), 10u);
+    EXPECT_THAT(boxes, testing::Contains("... and 995 more such messages, about row 3."));
+}
+
+TEST(windows, startAtTheSizeThatTheWindowManagerChooses) {
+    Screen screen;
+    screen.runExample("channel", 1);
+    auto* window = dynamic_cast<PlotForm*>(findWindow("NV_out"));
+    int cleared = 0;
+    Surface& surface = screen.test.ui.NV_out.Picture1;
+    surface.cls = [&, clear = surface.cls] {
+        cleared += 1;
+        clear();
+    };
+    QResizeEvent chosen({700, 500}, window->size());
+    QSpontaneKeyEvent::setSpontaneous(&chosen);
+    qApp->notify(window, &chosen); // sendEvent would take the mark away
+    EXPECT_EQ(screen.test.ui.NV_out.form.width, 700 / window->view().pixelSize());
+    EXPECT_EQ(cleared, 0) << "the plot was drawn anew, not cleared";
+}
+
+TEST(windows, fitOnASmallScreenWithALargeFont) {
+    const QFont usual = QApplication::font();
+    QFont font = usual;
+    font.setPointSize(11);
+    QApplication::setFont(font);
+    Screen screen;
+    const QSize room(910, 512); // of 1366 x 768 at a scale of 1.5
+    for (const char* form : {"NV_in", "NV_dsp", "NV_einde"}) {
+        QWidget* window = findWindow(form);
+        EXPECT_LE(window->minimumWidth(), room.width() - 24) << form;
+        EXPECT_LE(window->minimumHeight(), room.height() - 48) << form;
+        window->resize(window->minimumSize());
+        for (const QWidget* control : namedControls())
+            if (control->window() == window) {
+                EXPECT_TRUE(window->rect().contains(control->geometry())) << control->objectName().toStdString();
+            }
+    }
+    PictureView& view = dynamic_cast<PlotForm*>(findWindow("NV_out"))->view();
+    view.fitPixels({568, 690}, room);
+    EXPECT_LE(690 * view.pixelSize(), room.height());
+    QApplication::setFont(usual);
 }
 
 TEST(windows, aMessageCanBeCopiedAndHoldsUpEverything) {

@@ -1,6 +1,7 @@
 #include "frontends/desktop/command_form.h"
 
 #include "frontends/desktop/thread_setting.h"
+#include "frontends/desktop/window_places.h"
 #include "platform/files.h"
 #include "shell/command_window.h"
 
@@ -10,6 +11,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QUrl>
+#include <algorithm>
 #include <chrono>
 
 namespace norvane {
@@ -112,21 +114,26 @@ void CommandForm::refresh() {
     refreshLists();
 }
 
+/// The window may shrink by what its lists have beyond two rows; on a small screen it begins so.
 void CommandForm::layOut(double factor) {
     factor_ = factor;
     FormWindow::layOut(factor);
-    setMinimumSize(designSize());
+    const int leastRows = 2 * folders_->sizeHintForRow(0) + 2 * folders_->frameWidth();
+    const int spare = std::max(0, folders_->height() - leastRows) + std::max(0, geometries_->height() - leastRows);
+    setMinimumSize(designSize() - QSize(0, spare));
+    const int room = roomFor(*this).height();
+    if (designSize().height() > room) resize(designSize().width(), std::max(room, minimumHeight()));
 }
 
-/// What the window is larger than at its start goes to the lists, for long names and many of them.
+/// What the window is larger or smaller than in its design goes to the lists, for long names and many of them.
 void CommandForm::resizeEvent(QResizeEvent* event) {
     FormWindow::resizeEvent(event);
-    const QSize extra = (size() - designSize()).expandedTo({0, 0});
-    const int toFolders = extra.height() / 3;
+    const QSize extra = size() - designSize();
+    const int toFolders = extra.height() * 2 / 5; // the lists have heights as 2 to 3, about
     for (const PlacedControl& each : controls()) {
         QRect place = pixelRect(each.place, factor_);
         const bool isList = each.control == folders_ || each.control == geometries_;
-        if (isList) place.setWidth(place.width() + extra.width());
+        if (isList) place.setWidth(place.width() + std::max(0, extra.width()));
         if (each.control == folders_) place.setHeight(place.height() + toFolders);
         if (each.control == geometries_) place.adjust(0, toFolders, 0, extra.height());
         if (each.place.top > 4000) place.translate(0, extra.height());

@@ -1,8 +1,10 @@
 #include "frontends/desktop/control_views.h"
 
-#include <QEvent>
+#include <QAbstractItemView>
+#include <QKeyEvent>
 #include <QSignalBlocker>
 #include <QStyleOptionComboBox>
+#include <QWheelEvent>
 
 namespace norvane {
 
@@ -18,7 +20,7 @@ void TextBoxView::refresh() {
 
 QSize TextBoxView::neededSize() const {
     constexpr int frame = 12;
-    return {fontMetrics().horizontalAdvance(QStringLiteral("-1.234567E-38")) + frame, sizeHint().height()};
+    return {fontMetrics().horizontalAdvance(QStringLiteral("-123.456")) + frame, sizeHint().height()};
 }
 
 SelectorView::SelectorView(Selector& selector, QWidget* parent) : QComboBox(parent), selector_(selector) {
@@ -31,10 +33,8 @@ SelectorView::SelectorView(Selector& selector, QWidget* parent) : QComboBox(pare
     // The box would pick the entry of a text that reads the same.
     lineEdit()->disconnect(SIGNAL(editingFinished()), this);
     lineEdit()->disconnect(SIGNAL(returnPressed()), this);
-    connect(this, &QComboBox::activated, this, [this](int index) {
-        selector_.select(index);
-        if (picked) picked(selector_);
-    });
+    setFocusPolicy(Qt::StrongFocus);
+    connect(this, &QComboBox::activated, this, [this](int index) { pick(index); });
     refresh();
 }
 
@@ -44,12 +44,43 @@ void SelectorView::setOwnText(const std::string& text) {
     refresh();
 }
 
+void SelectorView::pick(int index) {
+    selector_.select(index);
+    if (picked) picked(selector_);
+}
+
+/// As in any closed list: the letters typed in quick succession are the beginning of an entry.
+void SelectorView::search(const QString& letters) {
+    view()->setCurrentIndex(model()->index(currentIndex(), 0));
+    view()->keyboardSearch(letters);
+    const int found = view()->currentIndex().row();
+    if (found < 0 || found == currentIndex()) return;
+    setCurrentIndex(found);
+    pick(found);
+}
+
+void SelectorView::wheelEvent(QWheelEvent* event) {
+    if (hasFocus() || lineEdit()->hasFocus())
+        QComboBox::wheelEvent(event);
+    else
+        event->ignore();
+}
+
 bool SelectorView::eventFilter(QObject* watched, QEvent* event) {
     // A click on the text opens the list, as it does on any selector that takes no typing. Not before the button is up:
     // the list would take its release for a choice.
     if (watched == lineEdit() && event->type() == QEvent::MouseButtonRelease) {
         showPopup();
         return true;
+    }
+    if (watched == lineEdit() && event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<const QKeyEvent*>(event);
+        const bool isLetter = !key->text().isEmpty() && key->text().at(0).isPrint();
+        const bool isCommand = (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0;
+        if (isLetter && !isCommand) {
+            search(key->text());
+            return true;
+        }
     }
     return QComboBox::eventFilter(watched, event);
 }

@@ -16,14 +16,15 @@ public:
 
     void refresh();
 
-    /// Pixels that the longest text of a number takes.
+    /// Pixels that an ordinary number takes; a longer one scrolls.
     QSize neededSize() const;
 
 private:
     TextBox& box_;
 };
 
-/// A selector. It takes no typing: a person picks from the list.
+/// A selector. A person picks from the list, with letters too: they look for the entry that begins so. A wheel counts
+/// only where the selector has the focus, or one notch on the way across would change the plot of a run.
 class SelectorView : public QComboBox {
 public:
     SelectorView(Selector& selector, QWidget* parent);
@@ -41,8 +42,12 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
 
 private:
+    void pick(int index);
+    void search(const QString& letters);
+
     Selector& selector_;
     std::vector<std::string> shownEntries_;
 };

@@ -9,17 +9,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 namespace norvane {
-
-namespace {
-
-QWidget* ownerOfDialogs(QWidget* fallback) {
-    QWidget* active = QApplication::activeWindow();
-    return active != nullptr ? active : fallback;
-}
-
-} // namespace
 
 Desktop::Desktop(Program& program)
     : program_(program),
@@ -27,15 +19,11 @@ Desktop::Desktop(Program& program)
           commands_.refreshStatus();
           plot_.refresh();
       }),
-      commands_(program, [this](const std::function<void()>& handler) { act(handler); }),
-      plot_(program, [this](const std::function<void()>& handler) { act(handler); }),
-      panel_(program, [this](const std::function<void()>& handler) { act(handler); }),
-      question_(program, [this](const std::function<void()>& handler) { act(handler); }) {
-    std::vector<PlacedControl> all;
-    for (const FormWindow* window : windows())
-        all.insert(all.end(), window->controls().begin(), window->controls().end());
-    const double factor = readableFactor(all);
-    for (FormWindow* window : windows()) window->layOut(factor);
+      commands_(program, [this](const std::function<void()>& handler) { act(commands_, handler); }),
+      plot_(program, [this](const std::function<void()>& handler) { act(plot_, handler); }),
+      panel_(program, [this](const std::function<void()>& handler) { act(panel_, handler); }),
+      question_(program, [this](const std::function<void()>& handler) { act(question_, handler); }) {
+    for (FormWindow* window : windows()) window->layOut(readableFactor(window->controls()));
     connectInterface();
 }
 
@@ -54,7 +42,7 @@ void Desktop::start(const ProgramStart& start) {
     if (program_.sim.threads == 0) program_.sim.threads = keptThreads(); // else the command line tells it
     refresh();
     commands_.show();
-    act([&] { startProgram(program_, start); });
+    act(commands_, [&] { startProgram(program_, start); });
 }
 
 void Desktop::refresh() {
@@ -62,14 +50,49 @@ void Desktop::refresh() {
 }
 
 /// Nothing may pass through the toolkit, so what no handler can deal with ends the program here.
-void Desktop::act(const std::function<void()>& handler) {
+void Desktop::act(FormWindow& window, const std::function<void()>& handler) {
+    FormWindow* const outer = std::exchange(actor_, &window);
     try {
         handler();
+        closeReports();
+        setBusy(false);
         refresh();
     } catch (const std::bad_alloc&) {
-        showMessageBox(&commands_, "There is not enough memory. The program ends.");
+        showBox("There is not enough memory. The program ends.");
         end();
     }
+    actor_ = outer;
+}
+
+QWidget* Desktop::ownerOfBoxes() {
+    if (actor_ != nullptr && actor_->isVisible()) return actor_;
+    QWidget* active = QApplication::activeWindow();
+    return active != nullptr ? active : &commands_;
+}
+
+void Desktop::showBox(const std::string& text) {
+    setBusy(false);
+    refresh();
+    showMessageBox(ownerOfBoxes(), text);
+}
+
+void Desktop::showReport(const Report& report) {
+    if (endsSeries(series_, report)) closeReports();
+    if (countMessage(series_, report)) showBox(report.text);
+}
+
+void Desktop::closeReports() {
+    const std::string closing = closingMessage(series_);
+    if (!closing.empty()) showBox(closing);
+}
+
+void Desktop::setBusy(bool busy) {
+    if (busy == isBusy_) return;
+    isBusy_ = busy;
+    if (busy)
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    else
+        QApplication::restoreOverrideCursor();
 }
 
 void Desktop::showWindow(const Form& form, bool wasVisible) {
@@ -80,6 +103,7 @@ void Desktop::showWindow(const Form& form, bool wasVisible) {
         return;
     }
     window.refresh();
+    if (&window == &question_ && !wasVisible) centreOn(ownerOfBoxes(), question_);
     window.show();
     if (wasVisible) {
         window.raise();
@@ -89,13 +113,13 @@ void Desktop::showWindow(const Form& form, bool wasVisible) {
 
 void Desktop::connectInterface() {
     Interface& ui = program_.ui;
-    ui.showMessage = [this](const Report& report) {
-        refresh();
-        showMessageBox(ownerOfDialogs(&commands_), report.text);
-    };
+    ui.showMessage = [this](const Report& report) { showReport(report); };
+    ui.runEnded = [this] { closeReports(); };
     ui.askText = [this](const std::string& prompt, const std::string& defaultText) {
         refresh();
-        return askInInputBox(ownerOfDialogs(&commands_), prompt, defaultText);
+        std::optional<std::string> answer = askInInputBox(ownerOfBoxes(), prompt, defaultText);
+        if (answer) setBusy(true); // until the command that asked is done, or has something to say
+        return answer;
     };
     ui.yieldToInterface = [this] { pump_.yield(); };
     ui.endProgram = [this] { end(); };

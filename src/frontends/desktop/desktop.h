@@ -6,6 +6,7 @@
 #include "frontends/desktop/event_pump.h"
 #include "frontends/desktop/exit_form.h"
 #include "frontends/desktop/plot_form.h"
+#include "shell/message_series.h"
 
 namespace norvane {
 
@@ -35,13 +36,23 @@ public:
 
 private:
     void connectInterface();
-    void act(const std::function<void()>& handler);
+
+    /// Raises an event of a window: messages meanwhile come up over it.
+    void act(FormWindow& window, const std::function<void()>& handler);
+    void showReport(const Report& report);
+    void closeReports();
+    void showBox(const std::string& text);
+    QWidget* ownerOfBoxes();
+    void setBusy(bool busy);
     void showWindow(const Form& form, bool wasVisible);
     FormWindow& windowOf(const Form& form);
     [[noreturn]] void end();
 
     Program& program_;
     EventPump pump_;
+    MessageSeries series_;
+    FormWindow* actor_ = nullptr; ///< the window whose control was used; null: none
+    bool isBusy_ = false;         ///< the pointer shows that something works
     CommandForm commands_;
     PlotForm plot_;
     DisplayForm panel_;

@@ -1,5 +1,6 @@
 #include "frontends/desktop/dialogs.h"
 
+#include <QCoreApplication>
 #include <QInputDialog>
 #include <QMessageBox>
 
@@ -29,8 +30,11 @@ std::optional<std::string> askInInputBox(QWidget* parent, const std::string& pro
     box.setLabelText(QString::fromStdString(prompt));
     box.setTextValue(QString::fromStdString(defaultText));
     box.setWindowModality(Qt::ApplicationModal);
-    if (box.exec() != QDialog::Accepted) return {};
-    return box.textValue().toStdString();
+    const bool accepted = box.exec() == QDialog::Accepted;
+    // What follows may take long: without this the box would stand on the screen meanwhile.
+    box.hide();
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    return accepted ? std::optional(box.textValue().toStdString()) : std::nullopt;
 }
 
 } // namespace norvane

@@ -15,6 +15,13 @@ QString elementOf(const char* name, int element) {
     return element == noElement ? QString(name) : QStringLiteral("%1(%2)").arg(name).arg(element);
 }
 
+/// What stands beside or above a control: "Zoom X", "Minscale"; nothing beside the two selectors of the quantity.
+QString captionOf(const QString& name, int element) {
+    const QString row = name == "zzoom" ? "Zoom" : name == "ComboSlice" ? "Slice" : name;
+    if (element != noElement) return row + ' ' + dimensionNames[element];
+    return name == "mMinscale" ? "Minscale" : name == "mMaxScale" ? "MaxScale" : "";
+}
+
 } // namespace
 
 DisplayForm::DisplayForm(Program& program, Act act)
@@ -73,7 +80,8 @@ QLabel* DisplayForm::addLabel(const char* name, const char* caption, const char*
 TextBoxView* DisplayForm::addBox(const char* name, TextBox& box, int element, const TwipRect& place) {
     auto* view = new TextBoxView(box, this);
     add(view, elementOf(name, element), place, view->neededSize());
-    describe(view, textOf("NV_dsp", name), element == noElement ? "" : dimensionNames[element]);
+    describe(view, textOf("NV_dsp", name), captionOf(name, element));
+    if (element > 0) nameByLabel(view); // the label of the form belongs to the first one of a row
     boxes_.push_back(view);
     return view;
 }
@@ -82,7 +90,8 @@ SelectorView* DisplayForm::addSelector(
     const char* name, Selector& selector, int element, const TwipRect& place, const char* longest) {
     auto* view = new SelectorView(selector, this);
     add(view, elementOf(name, element), place, view->neededSize(longest));
-    describe(view, textOf("NV_dsp", name), element == noElement ? "" : dimensionNames[element]);
+    describe(view, textOf("NV_dsp", name), captionOf(name, element));
+    if (element != 0) nameByLabel(view); // the label of the form belongs to the first one of a row
     view->picked = [this](Selector& picked) { act_([&] { raiseSelectorClick(program_, picked); }); };
     selectors_.push_back(view);
     return view;

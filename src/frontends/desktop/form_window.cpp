@@ -4,6 +4,7 @@
 
 #include <QCloseEvent>
 #include <QKeyEvent>
+#include <QLabel>
 #include <string_view>
 
 namespace norvane {
@@ -56,7 +57,7 @@ QPushButton* FormWindow::addButton(const char* control, const TwipRect& place) {
     const QSize caption = button->fontMetrics().size(Qt::TextShowMnemonic, button->text());
     add(button, control, {place.left, place.top, place.width - sharedEdge, place.height - sharedEdge},
         caption + QSize(buttonRoomX, buttonRoomY));
-    describe(button, text);
+    describe(button, text, command->caption);
     button->setAutoDefault(true); // Enter clicks the button that has the focus
     connect(button, &QPushButton::clicked, this, [this, command] { act_([&] { click(program_, *command); }); });
     return button;
@@ -67,10 +68,19 @@ void FormWindow::add(QWidget* control, const QString& name, const TwipRect& plac
     controls_.push_back({control, place, needed});
 }
 
-void FormWindow::describe(QWidget* control, const ControlText& text, const QString& element) const {
-    control->setAccessibleName(element.isEmpty() ? QString(text.name) : QString(text.name) + ' ' + element);
+void FormWindow::describe(QWidget* control, const ControlText& text, const QString& caption) const {
+    const QString name = text.name;
+    const bool saysAll = caption.isEmpty() || name.startsWith(caption);
+    control->setAccessibleName(saysAll ? name : caption + ": " + name);
     control->setAccessibleDescription(text.toolTip);
     control->setToolTip(text.toolTip);
+}
+
+void FormWindow::nameByLabel(QWidget* control) {
+    auto* label = new QLabel(control->accessibleName(), this);
+    label->setObjectName("name of " + control->objectName());
+    label->setBuddy(control);
+    label->hide();
 }
 
 void FormWindow::setDefaultButton(QPushButton* button) {
@@ -89,7 +99,7 @@ void FormWindow::keyPressEvent(QKeyEvent* event) {
     else if (event->key() == Qt::Key_Escape && escape_ != nullptr)
         escape_->click();
     else
-        QWidget::keyPressEvent(event);
+        QMainWindow::keyPressEvent(event);
 }
 
 } // namespace norvane

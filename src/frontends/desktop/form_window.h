@@ -5,8 +5,8 @@
 #include "frontends/desktop/twip_layout.h"
 #include "shell/program.h"
 
+#include <QMainWindow>
 #include <QPushButton>
-#include <QWidget>
 #include <functional>
 
 namespace norvane {
@@ -15,7 +15,7 @@ namespace norvane {
 using Act = std::function<void(const std::function<void()>& handler)>;
 
 /// A window of one of the program's forms. The form always stays: a close request goes to the program and is refused.
-class FormWindow : public QWidget {
+class FormWindow : public QMainWindow {
 public:
     FormWindow(Program& program, Form& form, Act act, int widthTwips, int heightTwips);
 
@@ -33,11 +33,15 @@ protected:
     /// Adds a button of the program's table under its own name.
     QPushButton* addButton(const char* control, const TwipRect& place);
 
-    /// Adds a control. `needed`: its smallest size in pixels, for the common factor.
+    /// Adds a control. `needed`: its smallest size in pixels, for the factor of the window.
     void add(QWidget* control, const QString& name, const TwipRect& place, const QSize& needed);
 
-    /// Gives a control its tool tip and its name for screen readers.
-    void describe(QWidget* control, const ControlText& text, const QString& element = {}) const;
+    /// Gives a control its tool tip and its name for assistive programs, which begins with its caption: a person may
+    /// speak what stands on the screen.
+    void describe(QWidget* control, const ControlText& text, const QString& caption = {}) const;
+
+    /// A label that only assistive programs meet, for a control that no label of the form belongs to.
+    void nameByLabel(QWidget* control);
 
     /// The button that Enter clicks, and the one that Escape clicks.
     void setDefaultButton(QPushButton* button);

@@ -3,13 +3,16 @@
 #include "frontends/desktop/desktop.h"
 #include "platform/files.h"
 #include "platform/process.h"
+#include "shell/command_window.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QIcon>
 #include <QSessionManager>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 
 namespace norvane {
 
@@ -50,6 +53,23 @@ StartOptions readOptions(const QApplication& application) {
     return options;
 }
 
+/// A folder is opened; a geometry is selected, and its folder with it.
+void openArgument(Program& program, const std::string& argument) {
+    std::error_code unknown;
+    if (std::filesystem::is_directory(argument, unknown)) {
+        setDirectory(program, absolutePath(argument));
+        return;
+    }
+    selectGeometry(program, argument);
+    const std::vector<std::string> names = listFiles(folderOf(argument), FileList::ending);
+    if (std::find(names.begin(), names.end(), nameOf(argument)) != names.end()) return;
+    const bool exists = std::filesystem::exists(argument, unknown);
+    program.ui.showMessage(absolutePath(argument)
+                           + (exists
+                                  ? " does not end in .gmt, so the list does not show it. Import reads it all the same."
+                                  : ": there is no such file."));
+}
+
 int runDesktop(int argc, char** argv) {
     const std::string calledAs = argc > 0 ? argv[0] : "";
     QApplication application(argc, argv);
@@ -74,7 +94,7 @@ int runDesktop(int argc, char** argv) {
     const std::string file = programPath(calledAs);
     desktop.start({folderOf(file), nameOf(file), geometry.empty() ? geometry : absolutePath(geometry)});
     if (!geometry.empty() && program.sim.batchMode == 0) {
-        selectGeometry(program, geometry);
+        openArgument(program, geometry);
         desktop.refresh();
     }
     return QApplication::exec();

@@ -76,13 +76,29 @@ void FolderList::show(const std::string& path) {
     names_ = std::move(names);
     clear();
     const std::string name = norvane::nameOf(path);
-    QListWidgetItem* here = addEntry(self, QString::fromStdString(name.empty() ? path : name));
+    QListWidgetItem* here = addEntry(self, {});
     here->setIcon(style()->standardIcon(QStyle::SP_DirOpenIcon));
-    here->setToolTip(QString::fromStdString(path));
+    // As markup with all of its own marks taken away: a name may look like markup, and would be taken for it.
+    here->setToolTip("<p style='white-space:pre'>" + QString::fromStdString(path).toHtmlEscaped() + "</p>");
     if (!name.empty()) addEntry(above, above)->setIcon(style()->standardIcon(QStyle::SP_FileDialogToParent));
     for (const std::string& folder : names_)
         addEntry(folder, QString::fromStdString(folder))->setIcon(style()->standardIcon(QStyle::SP_DirIcon));
     setCurrentRow(0);
+    showPath();
+}
+
+/// The end of the path, as much of it as the list has room for.
+void FolderList::showPath() {
+    constexpr int frame = 8;
+    QListWidgetItem* here = item(0);
+    if (here == nullptr) return;
+    const int room = viewport()->width() - iconSize().width() - frame;
+    here->setText(fontMetrics().elidedText(QString::fromStdString(path_), Qt::ElideLeft, room));
+}
+
+void FolderList::resizeEvent(QResizeEvent* event) {
+    PathList::resizeEvent(event);
+    showPath();
 }
 
 GeometryList::GeometryList(QWidget* parent) : PathList(parent) {

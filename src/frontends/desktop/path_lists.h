@@ -36,8 +36,12 @@ public:
 
     std::string path() const { return path_; }
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     void open(const QListWidgetItem* entry);
+    void showPath();
 
     std::string path_;
     std::vector<std::string> names_;

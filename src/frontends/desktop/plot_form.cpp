@@ -1,5 +1,7 @@
 #include "frontends/desktop/plot_form.h"
 
+#include "display/field_plot.h"
+#include "frontends/desktop/window_places.h"
 #include "shell/command_window.h"
 
 #include <QClipboard>
@@ -45,16 +47,20 @@ QImage PictureView::image() const {
     return {bytes, picture_->width, picture_->height, cairo_image_surface_get_stride(target), QImage::Format_RGB32};
 }
 
-double PictureView::pixelSize() const {
-    const double density = devicePixelRatioF();
-    return std::max(1.0, std::floor(density)) / density;
+void PictureView::fitPixels(const QSizeF& pixels, const QSize& room) {
+    const double most = std::min(room.width() / pixels.width(), room.height() / pixels.height());
+    const double ofScreen = 1 / devicePixelRatioF();
+    pixelSize_ = most >= 1 ? 1 : most >= ofScreen ? ofScreen : most;
 }
 
 void PictureView::copy() const { QGuiApplication::clipboard()->setImage(image().copy()); }
 
 void PictureView::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
+    isPainted_ = true;
+    const double pixelsOfScreen = pixelSize_ * devicePixelRatioF();
+    const bool fallTogether = std::abs(pixelsOfScreen - std::round(pixelsOfScreen)) < 1e-6;
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, !fallTogether);
     QImage picture = image();
     picture.setDevicePixelRatio(1 / pixelSize());
     constexpr Color ground = Surface::background;
@@ -107,18 +113,26 @@ QSize PlotForm::wantedSize() {
 }
 
 void PlotForm::layOut(double) {
+    view_->fitPixels({double(form().width), double(form().height)}, roomFor(*this));
     resize(wantedSize());
     view_->resize(size());
 }
 
 void PlotForm::resizeEvent(QResizeEvent* event) {
     FormWindow::resizeEvent(event);
-    view_->resize(size());
-    if (size() == wantedSize()) return; // where points and pixels differ, several sizes may round to this one
+    const QSize given = event->size();
+    view_->resize(given);
+    if (given == wantedSize()) return; // where points and pixels differ, several sizes may round to this one
+    // A size that the window manager chooses before the window is seen is the one that it starts with: the plot is
+    // drawn at it instead of being cleared.
+    const bool isStart = event->spontaneous() && !view_->isPainted();
     act_([&] {
-        form().width = static_cast<float>(std::floor(width() / view_->pixelSize()));
-        form().height = static_cast<float>(std::floor(height() / view_->pixelSize()));
-        raiseResize(program_, form());
+        form().width = static_cast<float>(std::floor(given.width() / view_->pixelSize()));
+        form().height = static_cast<float>(std::floor(given.height() / view_->pixelSize()));
+        if (isStart)
+            drawField(program_.sim, program_.ui);
+        else
+            raiseResize(program_, form());
     });
 }
 

@@ -10,8 +10,9 @@
 
 namespace norvane {
 
-/// Shows the image of the plot, each of its pixels as a square of whole pixels of the screen, so that nothing is
-/// smoothed: a screen of twice the density shows two by two, one of one and a half times shows a smaller picture.
+/// Shows the image of the plot. A pixel of it is a point, as large as everything else on the screen; on a screen too
+/// small for that, a pixel of the screen or what there is room for. Where pixels of image and screen fall together
+/// nothing is smoothed.
 class PictureView : public QWidget {
 public:
     PictureView(Program& program, QWidget* parent);
@@ -28,7 +29,12 @@ public:
     QImage image() const;
 
     /// Points of the window for a pixel of the image.
-    double pixelSize() const;
+    double pixelSize() const { return pixelSize_; }
+
+    /// Chooses that size, for an image of so many pixels.
+    void fitPixels(const QSizeF& pixels, const QSize& room);
+
+    bool isPainted() const { return isPainted_; }
 
     void copy() const;
 
@@ -42,14 +48,16 @@ private:
 
     Program& program_;
     std::shared_ptr<Picture> picture_;
+    double pixelSize_ = 1;
     bool isChanged_ = false;
+    bool isPainted_ = false; ///< since the window was shown first
 };
 
 class PlotForm : public FormWindow {
 public:
     PlotForm(Program& program, Act act);
 
-    /// The window keeps the size that its record tells, in pixels of the image.
+    /// The window gets the size that its record says, in pixels of the image.
     void layOut(double factor) override;
 
     void refresh() override { view_->refresh(); }

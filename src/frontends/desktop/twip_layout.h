@@ -1,5 +1,6 @@
 #pragma once
-// The starting layout of the windows: places in twips, 15 to a pixel of a usual screen, all drawn larger by one factor.
+// The starting layout of the windows: places in twips, 15 to a pixel of a usual screen, all of a window drawn larger by
+// one factor.
 
 #include <QSize>
 #include <QWidget>
