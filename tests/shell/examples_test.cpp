@@ -1,0 +1,58 @@
+// Each example runs, and shows what it is about without a touch of the display panel.
+
+#include "display/recording.h"
+#include "support/test_program.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <iterator>
+#include <set>
+#include <sstream>
+
+namespace norvane {
+namespace {
+
+/// The words of a text that differ from each other.
+std::set<std::string> wordsOf(const std::string& text) {
+    std::istringstream words(text);
+    return {std::istream_iterator<std::string>(words), {}};
+}
+
+/// The colours in the map of a colour plot, without those of the legend.
+std::set<std::string> coloursOfMap(const Drawing& drawing) {
+    std::set<std::string> colours;
+    std::size_t boxes = 0;
+    constexpr std::size_t legendRows = 11;
+    for (const std::string& line : drawing)
+        if (line.rfind("box ", 0) == 0 && ++boxes > legendRows) colours.insert(line.substr(line.rfind(' ')));
+    return colours;
+}
+
+TEST(examples, showInTheirFirstPicturesWhatTheyAreAbout) {
+    int count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(NORVANE_EXAMPLES)) {
+        if (entry.path().extension() != ".gmt") continue;
+        const std::string name = entry.path().stem().string();
+        TestProgram test;
+        Drawing drawing;
+        recordOn(test.ui.NV_out.Picture1, drawing);
+        test.loadExample(name);
+        test.ui.stepBegan = [&] {
+            if (test.sim.stepCount != test.sim.updateEvery) return;
+            drawing.clear(); // the picture of step 1 shows the start; the next one is the first of the flow
+            test.sim.stopFlag = 1;
+        };
+        test.click("NV_in.Command2");
+        EXPECT_THAT(test.takeMessages(), testing::IsEmpty()) << name;
+        EXPECT_EQ(test.sim.stepCount, test.sim.updateEvery + 1) << name;
+        EXPECT_GE(coloursOfMap(drawing).size(), 8u) << name;
+        EXPECT_GE(wordsOf(test.read(name + "_out")).size(), 8u) << name;
+        count += 1;
+    }
+    EXPECT_GT(count, 0);
+}
+
+} // namespace
+} // namespace norvane
