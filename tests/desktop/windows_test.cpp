@@ -1,6 +1,7 @@
 // The windows show the records and nothing else, and can be read and reached.
 
 #include "desktop/widget_hands.h"
+#include "display/field_plot.h"
 #include "frontends/desktop/desktop.h"
 #include "support/test_program.h"
 
@@ -306,7 +307,8 @@ TEST(windows, showTheFirstFewBoxesOfASeriesAndOneThatClosesIt) {
 
 TEST(windows, startAtTheSizeThatTheWindowManagerChooses) {
     Screen screen;
-    screen.runExample("channel", 1);
+    screen.test.build("TT 300:DD 0;0.5\t\nL\t\n\t\n\t\nL\t");
+    drawField(screen.test.sim, screen.test.ui); // shown, and not yet painted: no event has passed
     auto* window = dynamic_cast<PlotForm*>(findWindow("NV_out"));
     int cleared = 0;
     Surface& surface = screen.test.ui.NV_out.Picture1;
