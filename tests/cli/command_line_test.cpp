@@ -116,12 +116,13 @@ TEST(commandLine, keepsAStateThroughKillsAndLimits) {
         const Outcome recalled = runProgram("plot m.gmt --state -o x.bmp");
         ASSERT_EQ(recalled.status, 0) << "kill " << kill << ": " << recalled.out;
     }
-    const std::string state = test.read("m_state");
     test.write("m.gmt", square(40, "DT 1E-6:NT 1:ST 1:UT 0"));
+    runProgram("run m.gmt"); // ends what the last kill interrupted
+    const std::string state = test.read("m_state");
     const Outcome limited = runProgram("run m.gmt", "ulimit -f 16;");
     EXPECT_EQ(limited.status, 4);
     EXPECT_THAT(limited.out, HasSubstr("File too large.\nThe state in memory is unchanged; the file is as it was"));
-    EXPECT_EQ(test.read("m_state"), state);
+    EXPECT_TRUE(test.read("m_state") == state) << "the file has changed";
 }
 
 } // namespace
