@@ -89,6 +89,7 @@ struct SimState {
     std::int32_t rampSteps = 0;   ///< length of the ramp of imposed velocities, in steps (TR)
     std::int16_t cyFlag = 0;      ///< value of key CY; kept, and read by nothing
     std::int32_t stepCount = 0;   ///< steps begun since the start of the run
+    std::int32_t stepLimit = 0;   ///< steps that key NT asks for
     std::int32_t stopStep = 0;    ///< step at which the run ends; negative: no limit
     std::int16_t stopFlag = 0;    ///< 1 asks the run loop to end after the step in hand
     std::int16_t runMode = modeStart;

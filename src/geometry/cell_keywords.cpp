@@ -6,7 +6,60 @@ namespace norvane {
 
 namespace {
 
-constexpr std::size_t keyLength = 2;
+/// Reads the number at the beginning of item[from .. to - 1]; sets `fault` where there is none.
+double numberIn(std::string_view item, std::size_t from, std::size_t to, KeyFault missing, KeyText& text) {
+    std::size_t length = 0;
+    const double number = numericPrefix(item.substr(from, to - from), length);
+    if (length == 0 && text.fault == KeyFault::none) text.fault = missing;
+    text.valueEnds = from + length;
+    return number;
+}
+
+// --- storing -------------------------------------------------------------------------------------------------------
+
+/// Held against the range as read: 2.4 is above 2, though it would be made whole to 2.
+template <class Element>
+int storeAt(CellTable<Element>& table, std::int32_t cell, const KeyText& text) {
+    const auto index = static_cast<float>(text.index);
+    const bool inRange =
+        index >= static_cast<float>(table.firstComponent()) && index <= static_cast<float>(table.lastComponent());
+    if (!inRange || !table.hasCell(cell)) return -1;
+    const int component = toInt32(double(index));
+    storeNumber(double(static_cast<float>(text.value)), table(cell, component));
+    return component;
+}
+
+/// Where a key writes; each gives the component.
+struct KeyStore {
+    SimState& sim;
+    const KeyText& text;
+    std::int32_t cell;
+
+    int operator()(std::monostate) const { return -1; }
+
+    template <class Number>
+    int operator()(Number SimState::*scalar) const {
+        storeNumber(text.value, sim.*scalar);
+        return 0;
+    }
+
+    template <class Number>
+    int operator()(Array<Number> SimState::*field) const {
+        Array<Number>& array = sim.*field;
+        std::int64_t place = cell;
+        if (text.key->form == KeyForm::indexed) {
+            place = toInt16(text.index);
+            if (place <= 0 || !array.contains(place)) return -1;
+        }
+        storeNumber(text.value, array[place]);
+        return text.key->form == KeyForm::indexed ? static_cast<int>(place) : 0;
+    }
+
+    template <class Number>
+    int operator()(CellTable<Number> SimState::*field) const {
+        return storeAt(sim.*field, cell, text);
+    }
+};
 
 } // namespace
 
@@ -36,55 +89,28 @@ template void parseKeyValue(std::string_view text, std::string_view key, float& 
 template void parseKeyValue(std::string_view text, std::string_view key, std::int16_t& target);
 template void parseKeyValue(std::string_view text, std::string_view key, std::int32_t& target);
 
-void parseKeyIndexValue(std::string_view text, std::string_view key, std::int16_t& index, float& value) {
-    const std::size_t at = text.find(key);
-    if (at == std::string_view::npos) return;
-    const std::size_t behindKey = at + key.size();
-    const std::size_t semicolon = text.find(';', behindKey);
-    if (semicolon == std::string_view::npos) return;
-    storeNumber(numericPrefix(text.substr(behindKey, semicolon - behindKey)), index);
-    storeNumber(numericPrefix(text.substr(semicolon + 1)), value);
-}
-
-template <class Element>
-void parseKeyList(std::string_view text, std::string_view key, CellTable<Element>& array, std::int32_t cell, int nDim) {
-    std::size_t from = 0;
-    for (int turn = 0; turn <= nDim; ++turn) {
-        const std::size_t at = text.find(key, from);
-        if (at == std::string_view::npos) return; // no later turn can find it either
-        from = at + keyLength;
-        const std::size_t semicolon = text.find(';', from);
-        if (semicolon == std::string_view::npos) return;
-        const auto index = static_cast<float>(numericPrefix(text.substr(from, semicolon - from)));
-        const auto value = static_cast<float>(numericPrefix(text.substr(semicolon + 1)));
-        // The index is held against the range as read: 2.4 is above 2, though it would be made whole to 2.
-        const bool inRange =
-            index >= static_cast<float>(array.firstComponent()) && index <= static_cast<float>(array.lastComponent());
-        if (inRange && array.hasCell(cell)) storeNumber(double(value), array(cell, toInt32(double(index))));
+KeyText readKey(std::string_view item, const Key& key, std::size_t at) {
+    KeyText text;
+    text.key = &key;
+    text.at = at;
+    const std::size_t afterKey = at + key.letters.size();
+    if (key.form == KeyForm::plain) {
+        text.value = numberIn(item, afterKey, item.size(), KeyFault::noNumber, text);
+        return text;
     }
+    const std::size_t semicolon = item.find(';', afterKey);
+    if (semicolon == std::string_view::npos) {
+        text.fault = KeyFault::noSemicolon;
+        return text;
+    }
+    text.index = numberIn(item, afterKey, semicolon, KeyFault::noIndex, text);
+    text.value = numberIn(item, semicolon + 1, item.size(), KeyFault::noNumber, text);
+    return text;
 }
 
-template void
-parseKeyList(std::string_view text, std::string_view key, CellTable<float>& array, std::int32_t cell, int nDim);
-template void
-parseKeyList(std::string_view text, std::string_view key, CellTable<std::int16_t>& array, std::int32_t cell, int nDim);
-
-void parseCellKeys(SimState& sim, std::string_view text, std::int32_t cell) {
-    const int nDim = sim.nDim;
-    parseKeyValue(text, "CP", sim.heatCapacity[cell]);
-    parseKeyValue(text, "ET", sim.viscosity[cell]);
-    parseKeyValue(text, "RH", sim.density[cell]);
-    parseKeyValue(text, "LA", sim.conductivity[cell]);
-    parseKeyValue(text, "TT", sim.temperature[cell]);
-    parseKeyValue(text, "PP", sim.pressure[cell]);
-    parseKeyValue(text, "RR", sim.friction[cell]);
-    parseKeyList(text, "WV", sim.wallVelocity, cell, nDim);
-    parseKeyList(text, "CC", sim.concentration, cell, nDim);
-    parseKeyList(text, "VV", sim.velocityInit, cell, nDim);
-    // FF is an accepted key without a target: there is nothing to store.
-    parseKeyValue(text, "WT", sim.wallTemperature[cell]);
-    parseKeyValue(text, "WP", sim.wallPressure[cell]);
-    parseKeyValue(text, "WC", sim.wallConcentration[cell]);
+int storeKey(SimState& sim, const KeyText& text, std::int32_t cell) {
+    if (!text.hasEffect()) return -1;
+    return std::visit(KeyStore{sim, text, cell}, text.key->target);
 }
 
 } // namespace norvane

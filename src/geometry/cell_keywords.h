@@ -1,9 +1,11 @@
 #pragma once
 // The keyword language of the cell texts. A key is found by a plain search for its letters, and a number is read from
-// the character behind it; a fault in a text is never reported, the number is 0 or the item has no effect.
+// the character after it; a fault in a text is never reported by a build, the number is 0 or the item has no effect.
 
 #include "core/sim_state.h"
+#include "geometry/keys.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -11,19 +13,19 @@
 namespace norvane {
 
 /// A text as the readers below take it: letters a to z in capitals, since keys are compared exactly, and points for
-/// commas, since either may stand in a number.
+/// commas, since either may stand in a number. As long as the text.
 std::string readable(std::string_view text);
 
-/// Calls `take(item)` for every item of a cell text (its parts between ":", empty ones left out), made readable.
+/// Calls `take(item, at)` for every item of a cell text (its parts between ":", empty ones left out), made readable;
+/// `at` is its place in the text.
 template <class Take>
 void forEachItem(std::string_view text, const Take& take) {
     if (text.empty()) return; // as most are
     const std::string whole = readable(text);
-    for (std::string_view rest = whole; !rest.empty();) {
-        const std::size_t colon = rest.find(':');
-        const std::string_view item = rest.substr(0, colon);
-        rest = colon == std::string_view::npos ? std::string_view() : rest.substr(colon + 1);
-        if (!item.empty()) take(item);
+    for (std::size_t at = 0; at <= whole.size();) {
+        const std::size_t end = std::min(whole.find(':', at), whole.size());
+        if (end > at) take(std::string_view(whole).substr(at, end - at), at);
+        at = end + 1;
     }
 }
 
@@ -33,21 +35,53 @@ void storeNumber(double number, float& target);
 void storeNumber(double number, std::int16_t& target);
 void storeNumber(double number, std::int32_t& target);
 
-/// Plain form, "TT 300": stores the number behind the first `key`, 0 where none stands there. Without the key the
-/// target stays. For whole numbers and singles.
+/// Plain form, "TT 300": stores the number after the first `key`, 0 where there is none. Without the key the target
+/// stays. For whole numbers and singles.
 template <class Target>
 void parseKeyValue(std::string_view text, std::string_view key, Target& target);
 
-/// Indexed form, "GG 2;-9.81": stores the numbers between the first `key` and the ";" behind it, and behind that ";".
-/// Without the key or the ";" both targets stay.
-void parseKeyIndexValue(std::string_view text, std::string_view key, std::int16_t& index, float& value);
+/// What is odd about a key in an item.
+enum class KeyFault : std::uint8_t {
+    none,
+    noNumber,    ///< no number where the value should be: it counts as 0
+    noIndex,     ///< no number where the index should be: it counts as 0
+    noSemicolon, ///< no ";" after a key that takes an index: no effect
+};
 
-/// List form, "CC 1;0.2 CC 2;0.1": stores up to nDim + 1 entries in array(cell, index), index made whole as above. An
-/// entry whose index, as read, lies outside the array's range is dropped. For whole numbers and singles.
-template <class Element>
-void parseKeyList(std::string_view text, std::string_view key, CellTable<Element>& array, std::int32_t cell, int nDim);
+/// A key that an item holds, and what is read with it.
+struct KeyText {
+    const Key* key = nullptr;
+    std::size_t at = 0;        ///< of its letters in the item
+    std::size_t valueEnds = 0; ///< place after the number of the value
+    double index = 0;
+    double value = 0;
+    KeyFault fault = KeyFault::none;
 
-/// Tries the keys of one cell on one item, all of them. Cell 0 is the template.
-void parseCellKeys(SimState& sim, std::string_view text, std::int32_t cell);
+    bool hasEffect() const { return fault != KeyFault::noSemicolon; }
+};
+
+/// Reads one occurrence of a key, at `at`.
+KeyText readKey(std::string_view item, const Key& key, std::size_t at);
+
+/// Calls `take(keyText)` for each key of a scope that an item holds, in the order of the table of keys, as often as its
+/// form counts.
+template <class Take>
+void forEachKey(std::string_view item, KeyScope scope, int nDim, const Take& take) {
+    for (const Key& key : allKeys()) {
+        if ((key.scope & scope) == 0) continue;
+        std::size_t at = item.find(key.letters);
+        if (at == std::string_view::npos) continue;
+        const int most = key.form == KeyForm::list ? nDim + 1 : 1;
+        for (int turn = 0; turn < most && at != std::string_view::npos; ++turn) {
+            take(readKey(item, key, at));
+            at = item.find(key.letters, at + key.letters.size());
+        }
+    }
+}
+
+/// Stores what was read with a key in its field; of a field of cells in that of `cell`, 0 is the template. Gives the
+/// component that was written, -1 where nothing was: a key without effect or field, or an index that the field does not
+/// have.
+int storeKey(SimState& sim, const KeyText& text, std::int32_t cell);
 
 } // namespace norvane
