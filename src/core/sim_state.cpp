@@ -1,5 +1,7 @@
 #include "core/sim_state.h"
 
+#include "core/cell_fields.h"
+
 #include <new>
 #include <stdexcept>
 
@@ -7,20 +9,43 @@ namespace norvane {
 
 namespace {
 
-/// Allocates arrays, each with a place of its own in the caches.
-struct Allocator {
-    const SimState& sim;
+/// Allocates the fields of cells, each with a place of its own in the caches.
+struct FieldAllocator {
+    SimState& sim;
+    ComponentRange range{0, 0};
     std::size_t place = 0;
 
     template <class T>
-    void cells(Array<T>& array) {
-        array.allocate(0, sim.nCells, place++);
+    void operator()(Array<T> SimState::*field) {
+        (sim.*field).allocate(0, sim.nCells, place++);
     }
 
-    /// A CellTable or a StageTable with the components [first .. last].
-    void components(auto& table, std::int64_t first, std::int64_t last) {
-        table.allocate(sim.nCells, first, last, place);
-        place += static_cast<std::size_t>(last - first + 1) * table.slots;
+    template <class Table>
+    void operator()(Table SimState::*field) {
+        (sim.*field).allocate(sim.nCells, range.first, range.last, place);
+        place += static_cast<std::size_t>(range.count()) * Table::slots;
+    }
+};
+
+/// Arrays of so many values that a field is made of, and the bytes of a value.
+struct FieldSize {
+    double arrays = 1; ///< in: components
+    std::size_t valueBytes = 0;
+
+    template <class T>
+    void operator()(Array<T> SimState::*) {
+        valueBytes = sizeof(T);
+    }
+
+    template <class T>
+    void operator()(CellTable<T> SimState::*) {
+        valueBytes = sizeof(T);
+    }
+
+    template <class Slots>
+    void operator()(Slots SimState::*) {
+        valueBytes = sizeof(float);
+        arrays *= Slots::slots;
     }
 };
 
@@ -32,21 +57,11 @@ void allocateArrays(SimState& sim) {
     sim.zoom.allocate(1, dims);
     sim.offset.allocate(1, dims);
 
-    Allocator allocate{sim};
-    for (CellTable<float>* const table : {&sim.cellSize, &sim.cellPos, &sim.inverseSize, &sim.faceArea,
-                                          &sim.conductionCoef, &sim.viscousCoef, &sim.velocity, &sim.velocityInit})
-        allocate.components(*table, 1, dims);
-    for (Array<float>* const array :
-         {&sim.cellHeight, &sim.cellVolume, &sim.heatCapacity, &sim.conductivity, &sim.viscosity, &sim.friction,
-          &sim.cellMass, &sim.density, &sim.temperature, &sim.pressure})
-        allocate.cells(*array);
-    allocate.components(sim.concentration, 0, sim.nsMax);
-    allocate.components(sim.stageSpecies, 0, sim.nsMax);
-    allocate.components(sim.stageEnergy, 0, 0);
-    allocate.components(sim.stageMomentum, 1, dims);
-    allocate.components(sim.wallVelocity, 0, dims);
-    for (Array<std::int16_t>* const array : {&sim.wallPressure, &sim.wallTemperature, &sim.wallConcentration})
-        allocate.cells(*array);
+    FieldAllocator allocate{sim};
+    for (const CellField& field : cellFields()) {
+        allocate.range = componentRange(field.components, sim.nDim, sim.nsMax);
+        std::visit(allocate, field.member);
+    }
 }
 
 } // namespace
@@ -63,15 +78,14 @@ bool allocateState(SimState& sim) {
 }
 
 double stateBytes(int nDim, int nsMax, std::int64_t nCells) {
-    const double species = static_cast<double>(nsMax) + 1;
-    const double singles = 6 * (species + 1 + nDim) // conserved state
-                           + species + 2.0 * nDim   // concentration, velocity, velocityInit
-                           + 6.0 * nDim             // sizes, positions, areas, coefficients
-                           + 10;                    // fields with one value a cell
-    const double codes = nDim + 1 + 3;
     const auto cells = static_cast<std::size_t>(nCells) + 1; // an array takes more than its values, for its place
-    return singles * static_cast<double>(ArrayPlace::distance(cells * sizeof(float)))
-           + codes * static_cast<double>(ArrayPlace::distance(cells * sizeof(std::int16_t)));
+    double bytes = 0;
+    for (const CellField& field : cellFields()) {
+        FieldSize size{static_cast<double>(componentRange(field.components, nDim, nsMax).count())};
+        std::visit([&](auto member) { size(member); }, field.member);
+        bytes += size.arrays * static_cast<double>(ArrayPlace::distance(cells * size.valueBytes));
+    }
+    return bytes;
 }
 
 void clearGeometry(SimState& sim) {

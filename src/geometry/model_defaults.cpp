@@ -1,3 +1,4 @@
+#include "core/cell_fields.h"
 #include "core/wall_codes.h"
 #include "geometry/model_parts.h"
 
@@ -77,15 +78,32 @@ void takeDefault(SimState& sim, const KeyText& text, const BuildTrace& trace, As
     if (trace && assignment.component >= 0) trace(assignment);
 }
 
-template <class T>
-void copyTemplateOf(Array<T>& field, std::int32_t cells) {
-    std::fill_n(&field[0] + 1, cells, field[0]);
-}
+/// Starts the cells of a field from the template, or at 0.
+struct TemplateCopy {
+    SimState& sim;
+    const CellField& field;
 
-template <class T>
-void copyTemplateOf(CellTable<T>& field, int component, std::int32_t cells) {
-    std::fill_n(field.component(component) + 1, cells, field(0, component));
-}
+    template <class T>
+    void fill(T* cells) const {
+        std::fill_n(cells + 1, sim.nCells, field.start == FieldStart::fromTemplate ? cells[0] : T());
+    }
+
+    template <class T>
+    void operator()(Array<T> SimState::*member) const {
+        fill(&(sim.*member)[0]);
+    }
+
+    /// A code of the whole cell is not copied: it stands in a text, or the cell has none.
+    template <class T>
+    void operator()(CellTable<T> SimState::*member) const {
+        const ComponentRange range = componentRange(field.components, sim.nDim, sim.nsMax);
+        const int first = field.components == FieldComponents::cellAndDimensions ? 1 : range.first;
+        for (int component = first; component <= range.last; ++component) fill((sim.*member).component(component));
+    }
+
+    template <class Slots>
+    void operator()(Slots SimState::*) const {} // of a state, which a continuation keeps
+};
 
 /// Closes the upper face of the last cell of every row along a dimension.
 void closeRowEnds(SimState& sim, int dim, const BuildTrace& trace) {
@@ -140,18 +158,9 @@ void readDefaults(SimState& sim, bool display, const BuildTrace& trace) {
 /// What the template does not pass on (velocityInit, the other wall codes) is not copied: each build reads the same
 /// texts again, which write the same values.
 void copyTemplate(SimState& sim, const BuildTrace& trace) {
-    const std::int32_t cells = sim.nCells;
-    for (Array<float>* field : {&sim.density, &sim.heatCapacity, &sim.conductivity, &sim.viscosity, &sim.temperature,
-                                &sim.pressure, &sim.friction, &sim.cellHeight})
-        copyTemplateOf(*field, cells);
-    for (int species = 0; species <= sim.nsMax; ++species) copyTemplateOf(sim.concentration, species, cells);
-    copyTemplateOf(sim.wallTemperature, cells);
-    for (int dim = 1; dim <= sim.nDim; ++dim) {
-        copyTemplateOf(sim.wallVelocity, dim, cells);
-        closeRowEnds(sim, dim, trace);
-        copyTemplateOf(sim.cellSize, dim, cells);
-        std::fill_n(sim.velocity.component(dim) + 1, cells, 0.0f);
-    }
+    for (const CellField& field : cellFields())
+        if (field.start != FieldStart::kept) std::visit(TemplateCopy{sim, field}, field.member);
+    for (int dim = 1; dim <= sim.nDim; ++dim) closeRowEnds(sim, dim, trace);
 }
 
 } // namespace norvane
