@@ -1,10 +1,10 @@
-#include "display/quantities.h"
+#include "core/quantities.h"
 
 #include "core/addressing.h"
 
 #include <algorithm>
 #include <cmath>
-#include <string_view>
+#include <iterator>
 
 namespace norvane {
 
@@ -43,57 +43,86 @@ float conductionValue(const SimState& sim, int component, std::int32_t cell) {
     return rootOf(sum);
 }
 
+float celsiusValue(const SimState& sim, int, std::int32_t cell) {
+    return static_cast<float>(double(sim.temperature[cell]) - freezingPoint);
+}
+
+float stdVelocityValue(const SimState& sim, int component, std::int32_t cell) {
+    return static_cast<float>(double(velocityValue(sim, component, cell)) * double(sim.density[cell])
+                              / double(sim.density[0]));
+}
+
+float placeValue(const SimState& sim, int component, std::int32_t cell) {
+    return static_cast<float>(cellCoordinate(sim, cell, component));
+}
+
+template <Array<float> SimState::*field>
+float fieldValue(const SimState& sim, int, std::int32_t cell) {
+    return (sim.*field)[cell];
+}
+
+template <CellTable<float> SimState::*field>
+float componentValue(const SimState& sim, int component, std::int32_t cell) {
+    return (sim.*field)(cell, component);
+}
+
+using S = SimState;
+using C = QuantityComponents;
+constexpr Location centre = Location::centre;
+constexpr Location upperFace = Location::upperFace;
+
+constexpr Quantity catalogue[] = {
+    {"Temperature", "\u00b0C", centre, C::one, celsiusValue},
+    {"Velocity", "m/s", upperFace, C::totalAndDimensions, velocityValue},
+    {"Std Velocity", "m/s", upperFace, C::totalAndDimensions, stdVelocityValue},
+    {"Pressure", "Pa", centre, C::one, fieldValue<&S::pressure>},
+    {"Density", "kg/m\u00b3", centre, C::one, fieldValue<&S::density>},
+    {"Concentration", "", centre, C::species, componentValue<&S::concentration>},
+    {"X", "kW/m", upperFace, C::totalAndDimensions, conductionValue},
+    {"dx", "m", centre, C::dimensions, componentValue<&S::cellSize>},
+    {"dh", "m", centre, C::one, fieldValue<&S::cellHeight>},
+    {"at", "", centre, C::dimensions, placeValue},
+    {"VectorPlot", "m/s", upperFace, C::one, nullptr},
+};
+
+/// Null for a number that is none in the catalogue.
+const Quantity* quantityOf(int quantity) {
+    const bool exists = quantity >= 1 && quantity <= static_cast<int>(std::size(catalogue));
+    return exists ? &catalogue[quantity - 1] : nullptr;
+}
+
 } // namespace
 
-std::span<const char* const> quantityNames() {
-    static constexpr const char* names[] = {"Temperature",   "Velocity", "Std Velocity", "Pressure", "Density",
-                                            "Concentration", "X",        "dx",           "dh",       "at",
-                                            "VectorPlot"};
-    return names;
-}
+std::span<const Quantity> quantities() { return catalogue; }
 
 int drawnQuantity(int showWhat) { return std::max<int>(showWhat, showTemperature); }
 
-bool hasValue(int quantity) { return quantity >= showTemperature && quantity <= showPlace; }
-
-bool hasDirections(int quantity) {
-    return quantity == showVelocity || quantity == showStdVelocity || quantity == showConduction
-           || quantity == showCellSize || quantity == showPlace;
+bool hasValue(int quantity) {
+    const Quantity* const found = quantityOf(quantity);
+    return found != nullptr && found->value != nullptr;
 }
 
-std::string dimensionMark(int dim) {
-    constexpr std::string_view marks[] = {" X", " Y", " Z", "d4"};
-    return dim >= 1 && dim <= 4 ? std::string(marks[dim - 1]) : std::string();
+bool hasDirections(int quantity) {
+    const Quantity* const found = quantityOf(quantity);
+    return found != nullptr
+           && (found->components == QuantityComponents::dimensions
+               || found->components == QuantityComponents::totalAndDimensions);
 }
 
 int correctedComponent(const SimState& sim, int quantity, int component) {
-    switch (quantity) {
-    case showVelocity:
-    case showStdVelocity: return std::clamp<int>(component, 0, sim.nDim);
-    case showConcentration: return std::clamp<int>(component, 0, sim.nsMax);
-    case showConduction: return std::min<int>(component, sim.nDim);
-    case showCellSize:
-    case showPlace: return std::clamp<int>(component, 1, sim.nDim);
+    // A negative component of the conduction stays, and draws as the total.
+    if (quantity == showConduction) return std::min<int>(component, sim.nDim);
+    const Quantity* const found = quantityOf(quantity);
+    switch (found != nullptr ? found->components : QuantityComponents::one) {
+    case QuantityComponents::dimensions: return std::clamp<int>(component, 1, sim.nDim);
+    case QuantityComponents::totalAndDimensions: return std::clamp<int>(component, 0, sim.nDim);
+    case QuantityComponents::species: return std::clamp<int>(component, 0, sim.nsMax);
     default: return component;
     }
 }
 
 float cellValue(const SimState& sim, int quantity, int component, std::int32_t cell) {
-    switch (quantity) {
-    case showTemperature: return static_cast<float>(double(sim.temperature[cell]) - freezingPoint);
-    case showVelocity: return velocityValue(sim, component, cell);
-    case showStdVelocity:
-        return static_cast<float>(double(velocityValue(sim, component, cell)) * double(sim.density[cell])
-                                  / double(sim.density[0]));
-    case showPressure: return sim.pressure[cell];
-    case showDensity: return sim.density[cell];
-    case showConcentration: return sim.concentration(cell, component);
-    case showConduction: return conductionValue(sim, component, cell);
-    case showCellSize: return sim.cellSize(cell, component);
-    case showCellHeight: return sim.cellHeight[cell];
-    case showPlace: return static_cast<float>(cellCoordinate(sim, cell, component));
-    default: return 0;
-    }
+    return hasValue(quantity) ? quantityOf(quantity)->value(sim, component, cell) : 0;
 }
 
 } // namespace norvane

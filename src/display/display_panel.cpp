@@ -1,8 +1,9 @@
 #include "display/display_panel.h"
 
 #include "core/number_text.h"
+#include "core/quantities.h"
 #include "display/field_plot.h"
-#include "display/quantities.h"
+#include "display/plot_layout.h"
 #include "display/snapshot.h"
 
 #include <algorithm>
@@ -97,7 +98,7 @@ void clickOk(SimState& sim, Interface& ui) {
     if (panel.Dimen.visible) sim.showDims = toInt16(panel.Dimen.listIndex);
     sim.showWhat = toInt16(panel.Combo1.listIndex + 1);
     if (sim.nDim > 0) {
-        ui.NV_out.Picture1.cls();
+        clearPlot(ui);
         plotField(sim, ui);
     }
     hideForm(ui, panel.form);

@@ -2,8 +2,10 @@
 
 #include "core/addressing.h"
 #include "core/number_text.h"
+#include "core/quantities.h"
+#include "core/wall_codes.h"
 #include "display/plot_file.h"
-#include "display/quantities.h"
+#include "display/plot_layout.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,92 +15,32 @@ namespace norvane {
 namespace {
 
 // Layout of the surface, in pixels.
-constexpr double leftMargin = 5;
-constexpr double topMargin = 25;
-constexpr double legendStrip = 120; // kept free at the right
-constexpr double fitBottom = 15;    // kept free below the map when it is fitted
-constexpr double placeBottom = 5;   // kept free below the map when a cell is placed
-constexpr double rowHeights = 13;   // raster of names and legend
-constexpr double bandHeight = 40;   // of a plot whose second axis the grid does not have
+constexpr double rowHeights = 13; // raster of names and legend
 
 constexpr Color headColor{0, 0, 128};
 constexpr Color arrowColor{0, 255, 255};
 constexpr Color wallColor{0, 0, 255};
 
-/// One of the two dimensions that span the picture.
-struct Axis {
-    int dim = 0;
-    bool exists = false; ///< false: the grid has no such dimension, and the axis holds one cell of a fixed size
-    std::int64_t count = 0;
-    std::int64_t stride = 0;
-};
-
-/// The cells of a plot: all pairs of coordinates along two axes, at one slice of every other dimension.
-struct Plane {
-    Axis across;
-    Axis down;
-    std::int64_t first = 1; ///< cell number at the coordinates 0, 0
-
-    bool isDiagonal() const { return across.exists && across.dim == down.dim; }
-
-    /// With one dimension on both axes the place downward counts.
-    std::int32_t cell(std::int64_t i, std::int64_t j) const {
-        return static_cast<std::int32_t>(first + (isDiagonal() ? 0 : i * across.stride) + j * down.stride);
-    }
-};
-
 bool modelStands(const SimState& sim) { return sim.nDim > 0 && sim.density.contains(0) && sim.density[0] > 0; }
-
-Axis axisAlong(const SimState& sim, int dim) {
-    const bool exists = dim >= 1 && dim <= sim.nDim;
-    const std::int64_t count = sim.nCells < 1 ? 0 : exists ? sim.cellCount[dim] : 1;
-    return {dim, exists, count, exists ? sim.cellStride[dim] : 0};
-}
-
-bool hasSlice(const SimState& sim, int dim) { return sim.sliceSel[dim] >= 0 && sim.sliceSel[dim] < sim.cellCount[dim]; }
-
-Plane chosenPlane(const SimState& sim) {
-    Plane plane;
-    plane.across = axisAlong(sim, sim.axisPair[0]);
-    plane.down = axisAlong(sim, sim.axisPair[1]);
-    for (int dim = 1; dim <= sim.nDim; ++dim) {
-        if (dim == plane.across.dim || dim == plane.down.dim) continue;
-        if (hasSlice(sim, dim)) plane.first += std::int64_t{sim.sliceSel[dim]} * sim.cellStride[dim];
-    }
-    return plane;
-}
 
 /// Puts what is no slice to slice 0: the mark of an axis stays on a dimension that is none where two dimensions were
 /// chosen for one axis, and a panel may have been filled for another grid.
-void correctSlices(SimState& sim, const Plane& plane) {
-    for (int dim = 1; dim <= sim.nDim; ++dim)
-        if (dim != plane.across.dim && dim != plane.down.dim && !hasSlice(sim, dim)) sim.sliceSel[dim] = 0;
+void correctSlices(SimState& sim) {
+    for (int dim = 1; dim <= sim.nDim; ++dim) {
+        const bool isAxis = dim == sim.axisPair[0] || dim == sim.axisPair[1];
+        if (!isAxis && !(sim.sliceSel[dim] >= 0 && sim.sliceSel[dim] < sim.cellCount[dim])) sim.sliceSel[dim] = 0;
+    }
 }
 
 /// One call of plotField.
 struct Plot {
     SimState& sim;
     Surface& surface;
-    Plane plane;
-    int quantity;
+    PlotLayout layout;
     double width;        ///< W, of the surface
     double height;       ///< H, of the surface
     double windowHeight; ///< of the window
-    float scale = 0;     ///< pixels for a stretched length unit
     float value = 0;     ///< of the cell in hand; a quantity without values keeps that of the last legend row
-};
-
-/// Pixels of a cell along one axis.
-struct Span {
-    float low;
-    float high;
-};
-
-/// A cell on the surface.
-struct CellBox {
-    Span x;
-    Span y;
-    bool inRange;
 };
 
 void sizeSurface(const Form& window, Surface& surface) {
@@ -108,26 +50,9 @@ void sizeSurface(const Form& window, Surface& surface) {
     surface.resized();
 }
 
-void correctZoom(SimState& sim, const Axis& axis) {
+void correctZoom(SimState& sim, int dim) {
     // "not above" and not "below or equal": a NaN is no zoom either.
-    if (axis.exists && !(sim.zoom[axis.dim] > 0)) sim.zoom[axis.dim] = 1;
-}
-
-/// From the origin to the lower edge of the last cell, stretched. So the last row or column may be cut off.
-float extentAlong(const SimState& sim, const Axis& axis) {
-    if (!axis.exists) return 0;
-    return static_cast<float>(double(sim.cellPos(sim.nCells, axis.dim)) * double(sim.zoom[axis.dim]));
-}
-
-/// The smaller of both ratios of room and extent; an extent of 0 leaves the decision to the other axis.
-float fitScale(const Plot& plot) {
-    const double roomX = plot.width - legendStrip - leftMargin;
-    const double roomY = plot.height - fitBottom - topMargin;
-    const double extentX = extentAlong(plot.sim, plot.plane.across);
-    const double extentY = extentAlong(plot.sim, plot.plane.down);
-    auto scale = static_cast<float>(roomX / extentX);
-    if (scale > roomY / extentY) scale = static_cast<float>(roomY / extentY);
-    return scale;
+    if (dim >= 1 && dim <= sim.nDim && !(sim.zoom[dim] > 0)) sim.zoom[dim] = 1;
 }
 
 void printAt(Surface& surface, double x, double y, const std::string& text) {
@@ -156,13 +81,13 @@ void printHeads(const Plot& plot, const Selector& quantities) {
     printAt(surface, (plot.width - legendStrip) / 2, 5, plot.sim.graphTitle);
 
     const double x = plot.width - legendStrip + 12;
-    const double y = (0.2 / rowHeights) * plot.windowHeight + topMargin;
+    const double y = (0.2 / rowHeights) * plot.windowHeight + plotTop;
     setFont(surface, 10, true);
-    const bool hasName = plot.quantity <= quantities.listCount();
-    printAt(surface, x, y, hasName ? quantities.entries[static_cast<std::size_t>(plot.quantity) - 1] : "");
+    const bool hasName = plot.layout.quantity <= quantities.listCount();
+    printAt(surface, x, y, hasName ? quantities.entries[static_cast<std::size_t>(plot.layout.quantity) - 1] : "");
 
     // The size of a cell is shown by dimension, too, but has no label.
-    const bool hasLabel = hasDirections(plot.quantity) && plot.quantity != showCellSize;
+    const bool hasLabel = hasDirections(plot.layout.quantity) && plot.layout.quantity != showCellSize;
     if (hasLabel && plot.sim.showDims > 0)
         printAt(surface, x, (0.5 / rowHeights) * plot.windowHeight + y, "(" + dimensionMark(plot.sim.showDims) + ")");
 }
@@ -189,36 +114,13 @@ void drawLegend(Plot& plot) {
     setFont(surface, 8, false);
     for (int row = 0; row <= 10; ++row) {
         const double t = static_cast<float>(row / 10.0);
-        const double y0 = ((row + 1.5) / rowHeights) * plot.height + topMargin;
+        const double y0 = ((row + 1.5) / rowHeights) * plot.height + plotTop;
         const double y1 = (0.5 / rowHeights) * plot.height + y0;
         surface.foreColor = {colorLevel((t * 3) * 255), colorLevel((t * 3 - 1) * 255), colorLevel((t * 3 - 2) * 255)};
         drawBox(surface, x0, y0, x1, y1);
         plot.value = static_cast<float>((double(sim.scaleMax) - double(sim.scaleMin)) * t + double(sim.scaleMin));
         printAt(surface, x0, (0.1 / rowHeights) * plot.height + y1, generalText(plot.value));
     }
-}
-
-/// A cell stands one pixel inside its rounded edges, so that the background shows as seams between cells.
-Span spanAlong(const Plot& plot, const Axis& axis, std::int32_t cell, double margin, double room) {
-    if (!axis.exists)
-        return {static_cast<float>(1 + margin), static_cast<float>(std::min(bandHeight, room) - 1 + margin)};
-    const SimState& sim = plot.sim;
-    const double zoom = sim.zoom[axis.dim];
-    const auto low = static_cast<float>((double(sim.cellPos(cell, axis.dim)) - double(sim.offset[axis.dim])) * zoom);
-    const auto high = static_cast<float>(double(sim.cellSize(cell, axis.dim)) * zoom + double(low));
-    return {static_cast<float>(std::floor(double(low) * double(plot.scale) + 0.5) + 1 + margin),
-            static_cast<float>(std::floor(double(high) * double(plot.scale) + 0.5) - 1 + margin)};
-}
-
-CellBox placeCell(const Plot& plot, std::int32_t cell) {
-    const double right = plot.width - legendStrip;
-    const double bottom = plot.height - placeBottom;
-    CellBox box{spanAlong(plot, plot.plane.across, cell, leftMargin, right - leftMargin),
-                spanAlong(plot, plot.plane.down, cell, topMargin, plot.height - fitBottom - topMargin), false};
-    // A position that is not a number fails its comparison.
-    box.inRange = double(box.x.low) >= leftMargin && double(box.x.high) <= right && double(box.y.low) >= topMargin
-                  && double(box.y.high) <= bottom;
-    return box;
 }
 
 void drawColor(const Plot& plot, const CellBox& box) {
@@ -229,11 +131,11 @@ void drawColor(const Plot& plot, const CellBox& box) {
     surface.box(box.x.low, box.y.low, box.x.high, box.y.high);
 }
 
-float arrowAlong(const Plot& plot, const Axis& axis, std::int32_t cell) {
+float arrowAlong(const Plot& plot, const PlotAxis& axis, std::int32_t cell) {
     if (!axis.exists) return 0;
     const SimState& sim = plot.sim;
-    return static_cast<float>(double(plot.scale) * double(sim.velocity(cell, axis.dim)) * double(sim.zoom[axis.dim])
-                              / double(sim.scaleMin));
+    return static_cast<float>(double(plot.layout.scale) * double(sim.velocity(cell, axis.dim))
+                              * double(sim.zoom[axis.dim]) / double(sim.scaleMin));
 }
 
 /// One line without a head from the centre of the cell; the bottom of the scale is the speed that is drawn as long as a
@@ -241,8 +143,8 @@ float arrowAlong(const Plot& plot, const Axis& axis, std::int32_t cell) {
 void drawArrow(const Plot& plot, const CellBox& box, std::int32_t cell) {
     Surface& surface = plot.surface;
     const double longest = plot.sim.scaleMax;
-    float dx = arrowAlong(plot, plot.plane.across, cell);
-    float dy = arrowAlong(plot, plot.plane.down, cell);
+    float dx = arrowAlong(plot, plot.layout.across, cell);
+    float dy = arrowAlong(plot, plot.layout.down, cell);
     const double length = std::sqrt(double(dy) * double(dy) + double(dx) * double(dx));
     const bool isCut = length > longest;
     if (isCut) {
@@ -255,14 +157,14 @@ void drawArrow(const Plot& plot, const CellBox& box, std::int32_t cell) {
     const double ex = cx + double(dx);
     const double ey = cy + double(dy);
     const bool fits =
-        cx >= leftMargin && ex <= plot.width - legendStrip && cy >= topMargin && ey <= plot.height - placeBottom;
+        cx >= plotLeft && ex <= plot.width - legendStrip && cy >= plotTop && ey <= plot.height - plotBottom;
     if (!fits) return;
     surface.foreColor = arrowColor;
     drawLine(surface, cx, cy, ex, ey);
 }
 
-bool isClosed(const SimState& sim, std::int32_t cell, const Axis& axis) {
-    return axis.exists && sim.wallVelocity(cell, axis.dim) > 0;
+bool hasClosedFace(const SimState& sim, std::int32_t cell, const PlotAxis& axis) {
+    return axis.exists && isClosed(sim.wallVelocity(cell, axis.dim));
 }
 
 /// Closed upper faces, in the seams at the right and at the bottom of the cell.
@@ -278,15 +180,15 @@ void drawWalls(const Plot& plot, const CellBox& box, std::int32_t cell) {
         surface.foreColor = wallColor;
         drawLine(surface, x0, y0, right, bottom);
     };
-    if (isClosed(plot.sim, cell, plot.plane.across)) drawMark(right, top);
-    if (isClosed(plot.sim, cell, plot.plane.down)) drawMark(left, bottom);
+    if (hasClosedFace(plot.sim, cell, plot.layout.across)) drawMark(right, top);
+    if (hasClosedFace(plot.sim, cell, plot.layout.down)) drawMark(left, bottom);
 }
 
 /// Corrects the settings that a cell uses; done only where there are cells to draw.
 void correctSettings(const Plot& plot) {
     SimState& sim = plot.sim;
-    sim.showDims = static_cast<std::int16_t>(correctedComponent(sim, plot.quantity, sim.showDims));
-    if (plot.quantity != showVectors) return;
+    sim.showDims = static_cast<std::int16_t>(correctedComponent(sim, plot.layout.quantity, sim.showDims));
+    if (plot.layout.quantity != showVectors) return;
     if (!(sim.scaleMin > 0)) sim.scaleMin = 1;
     if (!(sim.scaleMax > 0)) sim.scaleMax = 1;
 }
@@ -294,13 +196,13 @@ void correctSettings(const Plot& plot) {
 /// `file`: takes the value as well; may be null.
 void drawCell(Plot& plot, PlotFile* file, std::int32_t cell) {
     const SimState& sim = plot.sim;
-    const Axis& across = plot.plane.across;
-    if (hasValue(plot.quantity)) plot.value = cellValue(sim, plot.quantity, sim.showDims, cell);
+    const PlotAxis& across = plot.layout.across;
+    if (hasValue(plot.layout.quantity)) plot.value = cellValue(sim, plot.layout.quantity, sim.showDims, cell);
     const bool startsLine = !across.exists || cellCoordinate(sim, cell, across.dim) == 0;
     if (file != nullptr) writePlotEntry(*file, startsLine, plot.value);
 
-    const CellBox box = placeCell(plot, cell);
-    if (plot.quantity == showVectors)
+    const CellBox box = placeCell(plot.layout, sim, cell);
+    if (plot.layout.quantity == showVectors)
         drawArrow(plot, box, cell);
     else
         drawColor(plot, box);
@@ -309,10 +211,10 @@ void drawCell(Plot& plot, PlotFile* file, std::int32_t cell) {
 
 /// From the top row down, each from left to right.
 void drawCells(Plot& plot, PlotFile* file) {
-    const Plane& plane = plot.plane;
-    if (plane.across.count > 0 && plane.down.count > 0) correctSettings(plot);
-    for (std::int64_t j = 0; j < plane.down.count; ++j)
-        for (std::int64_t i = 0; i < plane.across.count; ++i) drawCell(plot, file, plane.cell(i, j));
+    const PlotLayout& layout = plot.layout;
+    if (layout.across.count > 0 && layout.down.count > 0) correctSettings(plot);
+    for (std::int64_t j = 0; j < layout.down.count; ++j)
+        for (std::int64_t i = 0; i < layout.across.count; ++i) drawCell(plot, file, cellOfPlane(layout, i, j));
 }
 
 /// `file`: takes the values of the plane as well; may be null.
@@ -321,20 +223,23 @@ void drawPlane(SimState& sim, Interface& ui, PlotFile* file) {
     Surface& surface = ui.NV_out.Picture1;
     surface.foreColor = headColor;
     sizeSurface(window, surface);
-    Plot plot{
-        sim,          surface, chosenPlane(sim), drawnQuantity(sim.showWhat), surface.scaleWidth, surface.scaleHeight,
-        window.height};
-    correctSlices(sim, plot.plane);
-    correctZoom(sim, plot.plane.across);
-    correctZoom(sim, plot.plane.down);
-    plot.scale = fitScale(plot);
+    correctSlices(sim);
+    for (const int dim : sim.axisPair) correctZoom(sim, dim);
+    Plot plot{sim,
+              surface,
+              layOut(sim, surface.scaleWidth, surface.scaleHeight),
+              surface.scaleWidth,
+              surface.scaleHeight,
+              window.height};
+    const PlotLayout& layout = plot.layout;
 
     printHeads(plot, ui.NV_dsp.Combo1);
-    if (plot.quantity != showVectors) drawLegend(plot);
-    if (file != nullptr) reserveEntries(*file, double(plot.plane.across.count) * double(plot.plane.down.count));
+    if (plot.layout.quantity != showVectors) drawLegend(plot);
+    if (file != nullptr) reserveEntries(*file, double(layout.across.count) * double(layout.down.count));
     // A colour map paints over the old picture; arrows can't, and take the heads with them.
-    if (plot.quantity == showVectors) surface.cls();
+    if (plot.layout.quantity == showVectors) surface.cls();
     drawCells(plot, file);
+    ui.NV_out.layout = layout;
     showForm(ui, ui.NV_out.form);
 }
 
@@ -351,17 +256,22 @@ void drawField(SimState& sim, Interface& ui) {
     if (modelStands(sim)) drawPlane(sim, ui, nullptr);
 }
 
-void resizePlotWindow(Interface& ui) { ui.NV_out.Picture1.cls(); }
+void clearPlot(Interface& ui) {
+    ui.NV_out.layout.isDrawn = false;
+    ui.NV_out.Picture1.cls();
+}
+
+void resizePlotWindow(Interface& ui) { clearPlot(ui); }
 
 PlaneRange planeRange(const SimState& sim) {
     PlaneRange range;
     const int quantity = drawnQuantity(sim.showWhat);
     if (!modelStands(sim) || !hasValue(quantity)) return range;
     const int component = correctedComponent(sim, quantity, sim.showDims);
-    const Plane plane = chosenPlane(sim);
-    for (std::int64_t j = 0; j < plane.down.count; ++j)
-        for (std::int64_t i = 0; i < plane.across.count; ++i) {
-            const float value = cellValue(sim, quantity, component, plane.cell(i, j));
+    const PlotLayout layout = layOut(sim, 0, 0);
+    for (std::int64_t j = 0; j < layout.down.count; ++j)
+        for (std::int64_t i = 0; i < layout.across.count; ++i) {
+            const float value = cellValue(sim, quantity, component, cellOfPlane(layout, i, j));
             if (!std::isfinite(value)) continue;
             range.low = range.found ? std::min(range.low, value) : value;
             range.high = range.found ? std::max(range.high, value) : value;

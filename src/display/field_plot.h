@@ -12,11 +12,15 @@ namespace norvane {
 /// axes not above 0 becomes 1; showDims becomes one that the quantity has; in a vector plot scaleMin and scaleMax not
 /// above 0 become 1; a slice that does not exist becomes slice 0. A showWhat below 1 draws as 1, and stays. An axis
 /// that the grid does not have (the second one of a one-dimensional grid) makes the plot a band, one cell of a fixed
-/// height. Faults: a plot file that can't be written, reported once for a run or a click.
+/// height. Leaves the layout with the window. Faults: a plot file that can't be written, reported once for a run or a
+/// click.
 void plotField(SimState& sim, Interface& ui);
 
 /// The same without the plot file.
 void drawField(SimState& sim, Interface& ui);
+
+/// Clears the picture; no cell lies at its pixels then.
+void clearPlot(Interface& ui);
 
 /// The plot window got another inner size: its picture stays away until the next plot, which sizes the surface anew.
 void resizePlotWindow(Interface& ui);

@@ -26,11 +26,11 @@ void tellFault(SimState& sim, const Interface& ui, const std::string& path, cons
 void takeSnapshot(SimState& sim, Interface& ui, std::int16_t announce) {
     const std::string path = joinPath(sim.inputDir, sim.baseName + stampOf(localTime()) + ".bmp");
     Surface& surface = ui.NV_out.Picture1;
-    surface.cls();
+    clearPlot(ui);
     surface.setAutoRedraw(true);
     plotField(sim, ui);
     const std::string reason = surface.savePicture(path);
-    surface.cls();
+    clearPlot(ui);
     ui.yieldToInterface();
     surface.setAutoRedraw(false);
 

@@ -4,6 +4,7 @@
 
 #include "platform/surface.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -60,10 +61,35 @@ struct CommandWindow {
     FileList File1;
 };
 
+/// One of the two dimensions of a plotted plane, as the plot saw it.
+struct PlotAxis {
+    int dim = 0;
+    bool exists = false; ///< false: the grid has no such dimension, and the axis holds one cell of a fixed size
+    std::int64_t count = 0;
+    std::int64_t stride = 0;
+    float zoom = 1;
+    float offset = 0;
+};
+
+/// How the latest plot lies on its surface, for whoever asks which cell a pixel shows.
+struct PlotLayout {
+    bool isDrawn = false; ///< false: the picture is clear
+    PlotAxis across;
+    PlotAxis down;
+    std::int64_t first = 1; ///< cell number at the coordinates 0, 0 of the plane
+    float width = 0;        ///< pixels, of the surface
+    float height = 0;       ///< pixels, of the surface
+    float scale = 0;        ///< pixels for a stretched length unit
+    int quantity = 0;
+    int component = 0;
+    std::int32_t cells = 0; ///< of the grid that was plotted
+};
+
 /// The plot window. Its inner size is 8520 by 10350 twips.
 struct PlotWindow {
     Form form{"NV_out", "Norvane", false, 568, 690};
     Surface Picture1;
+    PlotLayout layout;
 };
 
 /// The display panel. Its inner size is 5790 by 3135 twips; element k of an array belongs to dimension k + 1.

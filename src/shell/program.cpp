@@ -1,8 +1,8 @@
 #include "shell/program.h"
 
+#include "core/quantities.h"
 #include "core/run_driver.h"
 #include "display/field_plot.h"
-#include "display/quantities.h"
 #include "display/snapshot.h"
 #include "exchange/log_file.h"
 #include "exchange/state_file.h"
@@ -73,7 +73,7 @@ void connectProgram(Program& program) {
 void startProgram(Program& program, const ProgramStart& start) {
     Interface& ui = program.ui;
     setDirectory(program, start.folder);
-    for (const char* name : quantityNames()) ui.NV_dsp.Combo1.entries.emplace_back(name);
+    for (const Quantity& quantity : quantities()) ui.NV_dsp.Combo1.entries.emplace_back(quantity.name);
     program.sim.batchMode = startsInBatchMode(start.name) ? 1 : 0;
     if (program.sim.batchMode == 0) return;
     const std::string geometry = batchGeometry(program, start);

@@ -2,6 +2,7 @@
 
 #include "desktop/widget_hands.h"
 #include "display/field_plot.h"
+#include "display/plot_layout.h"
 #include "frontends/desktop/desktop.h"
 #include "support/test_program.h"
 
@@ -96,24 +97,22 @@ TEST(windows, findTheCellThatIsPaintedUnderThePointer) {
         constexpr std::size_t legendRows = 11;
         // The last column does not fit into a map that its width limits, and is left out.
         ASSERT_GT(boxes.size(), legendRows);
-        CellProbe probe;
-        probe.remember(sim, screen.test.ui.NV_out);
+        const PlotLayout& layout = screen.test.ui.NV_out.layout;
         std::size_t painted = legendRows;
         for (int j = 0; j < sim.cellCount[2]; ++j) {
             for (int i = 0; i < sim.cellCount[columns]; ++i) {
                 const std::int32_t cell =
                     1 + i * sim.cellStride[columns] + j * sim.cellStride[2] + 2 * sim.cellStride[slice];
                 const QPointF centre = painted < boxes.size() ? boxes[painted].center() : QPointF();
-                if (probe.cellAt(sim, centre.x(), centre.y()) != cell) continue; // a cell that was left out
+                if (cellAt(layout, sim, centre.x(), centre.y()) != cell) continue; // a cell that was left out
                 painted += 1;
-                EXPECT_THAT(probe.describe(sim, screen.test.ui.NV_dsp.Combo1, cell),
-                            HasSubstr("Cell " + std::to_string(cell) + " ("));
+                EXPECT_THAT(describeCell(layout, sim, cell), HasSubstr("Cell " + std::to_string(cell) + " ("));
             }
         }
         EXPECT_EQ(painted, boxes.size()); // each box was found to be its cell, in the order of painting
-        EXPECT_EQ(probe.cellAt(sim, 2, 2), 0);
-        probe.forget();
-        EXPECT_EQ(probe.cellAt(sim, boxes.back().center().x(), boxes.back().center().y()), 0);
+        EXPECT_EQ(cellAt(layout, sim, 2, 2), 0);
+        clearPlot(screen.test.ui);
+        EXPECT_EQ(cellAt(layout, sim, boxes.back().center().x(), boxes.back().center().y()), 0);
     }
 }
 
@@ -122,9 +121,8 @@ TEST(windows, tellNumberPositionAndValueOfACell) {
     screen.test.build("TT 300:DD 0;0.5:SW 1\t\nL\t\nTT 310\t\n\tTT 320\nL\t");
     SimState& sim = screen.test.sim;
     sim.showWhat = 1;
-    CellProbe probe;
-    probe.remember(sim, screen.test.ui.NV_out);
-    EXPECT_EQ(probe.describe(sim, screen.test.ui.NV_dsp.Combo1, 4),
+    drawField(sim, screen.test.ui);
+    EXPECT_EQ(describeCell(screen.test.ui.NV_out.layout, sim, 4),
               "Cell 4 (X 1, Y 1)\nfrom 0.5, 0.5 m\nTemperature 46.85 \u00b0C");
 }
 

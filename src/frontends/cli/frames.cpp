@@ -32,7 +32,7 @@ std::string frameList(const Frames& frames) {
 
 void takeFrame(Frames& frames, SimState& sim, Interface& ui) {
     const DrawnSurface drawn(ui.NV_out.Picture1);
-    ui.NV_out.Picture1.cls();
+    clearPlot(ui);
     drawField(sim, ui); // the plot file belongs to the plots of the schedule
     const std::string path = numbered(frames.prefix, sim.stepCount);
     const FileResult written = writePicture(drawn.image(), path, PictureFormat::png);

@@ -1,7 +1,7 @@
 // The command line. Options are read here and nowhere else.
 
+#include "core/quantities.h"
 #include "core/sim_state.h"
-#include "display/quantities.h"
 #include "frontends/cli/exit_status.h"
 #include "frontends/cli/nearest.h"
 #include "frontends/cli/plot_command.h"
@@ -83,8 +83,8 @@ CLI::App* addRun(CLI::App& app, RunOptions& options) {
 std::string listedQuantities() {
     std::string text;
     int number = 0;
-    for (const char* name : quantityNames()) {
-        text += (number > 0 ? ", " : "") + std::to_string(number + 1) + " " + name;
+    for (const Quantity& quantity : quantities()) {
+        text += (number > 0 ? ", " : "") + std::to_string(number + 1) + " " + quantity.name;
         ++number;
     }
     return text;

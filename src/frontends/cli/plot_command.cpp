@@ -1,8 +1,8 @@
 #include "frontends/cli/plot_command.h"
 
 #include "core/number_text.h"
+#include "core/quantities.h"
 #include "display/field_plot.h"
-#include "display/quantities.h"
 #include "frontends/cli/console.h"
 #include "frontends/image/image_surface.h"
 #include "platform/terminal_text.h"

@@ -1,6 +1,7 @@
 #include "frontends/desktop/plot_form.h"
 
 #include "display/field_plot.h"
+#include "display/plot_layout.h"
 #include "frontends/desktop/window_places.h"
 #include "shell/command_window.h"
 
@@ -24,15 +25,11 @@ PictureView::PictureView(Program& program, QWidget* parent)
     Surface& surface = program.ui.NV_out.Picture1;
     surface.cls = [this, clear = surface.cls] {
         clear();
-        probe.forget();
         isChanged_ = true;
     };
 }
 
-void PictureView::takePlot() {
-    probe.remember(program_.sim, program_.ui.NV_out);
-    isChanged_ = true;
-}
+void PictureView::takePlot() { isChanged_ = true; }
 
 void PictureView::refresh() {
     if (isChanged_) update();
@@ -71,9 +68,9 @@ void PictureView::paintEvent(QPaintEvent* event) {
 
 QString PictureView::tipAt(const QPointF& place) const {
     const double size = pixelSize();
-    const std::int32_t cell = probe.cellAt(program_.sim, std::floor(place.x() / size), std::floor(place.y() / size));
-    if (cell == 0) return {};
-    return QString::fromStdString(probe.describe(program_.sim, program_.ui.NV_dsp.Combo1, cell));
+    const PlotLayout& layout = program_.ui.NV_out.layout;
+    const std::int32_t cell = cellAt(layout, program_.sim, std::floor(place.x() / size), std::floor(place.y() / size));
+    return cell == 0 ? QString() : QString::fromStdString(describeCell(layout, program_.sim, cell));
 }
 
 bool PictureView::event(QEvent* event) {

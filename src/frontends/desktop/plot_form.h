@@ -1,7 +1,6 @@
 #pragma once
 // The plot window.
 
-#include "frontends/desktop/cell_probe.h"
 #include "frontends/desktop/form_window.h"
 #include "frontends/image/image_surface.h"
 
@@ -16,8 +15,6 @@ namespace norvane {
 class PictureView : public QWidget {
 public:
     PictureView(Program& program, QWidget* parent);
-
-    CellProbe probe;
 
     /// A plot is complete.
     void takePlot();
