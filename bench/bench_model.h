@@ -41,7 +41,7 @@ inline void loadAndBuild(SimState& sim, Interface& ui, const BenchFolder& folder
     ui.showMessage = [](const Report& report) { std::fprintf(stderr, "%s\n", report.text.c_str()); };
     ui.NV_in.Dir1.path = folder.path.string();
     ui.NV_in.File1.selected = "bench.gmt";
-    sim.batchMode = 1;
+    sim.batchMode = true;
     loadGeometry(sim, ui);
     buildModel(sim, ui);
 }

@@ -58,7 +58,7 @@ struct Turns {
             state.SetIterationTime(run);
         }
         if (Clock::now() - start < warmUp) return;
-        if (!state.KeepRunning()) model.sim.stopFlag = 1;
+        if (!state.KeepRunning()) model.sim.stopFlag = true;
         begin = Clock::now();
     }
 };

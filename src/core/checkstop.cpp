@@ -51,7 +51,7 @@ void clearCheckstop(SimState& sim, const RunEvents& events) {
 void pollCheckstop(SimState& sim, const RunEvents& events, const RunOperations& operations, StopFileWatch& watch) {
     if (watchedStopValue(watch) != 1) return;
     if (operations.showExitQuestion) operations.showExitQuestion(sim);
-    sim.stopFlag = 1;
+    sim.stopFlag = true;
     sim.outcome.stopFile = true;
     clearCheckstop(sim, events);
 }

@@ -41,7 +41,7 @@ void guarded(SimState& sim, const RunEvents& events, std::size_t number, const O
 bool isWanted(const SimState& sim, const Output& output) {
     const std::int32_t every = sim.*output.every;
     if (output.needsInterval && every <= 0) return false;
-    const bool stops = output.atStop && sim.stopFlag == 1;
+    const bool stops = output.atStop && sim.stopFlag;
     return stops || isDue(sim, every, output.lastOfInterval ? std::int64_t{every} - 1 : 0);
 }
 
@@ -54,7 +54,7 @@ struct Run {
 /// What follows the stages of a step. A stop that arrives after the last output ends the run without a further one.
 void runSchedule(SimState& sim, const RunEvents& events, const RunOperations& operations, Run& run) {
     if (sim.stepCount >= sim.stopStep && sim.stopStep >= 0) {
-        sim.stopFlag = 1;
+        sim.stopFlag = true;
         sim.outcome.reachedStopStep = true;
     }
     for (std::size_t k = 0; k < operations.outputs.size(); ++k) {
@@ -85,7 +85,7 @@ bool nestsTooDeep(const SimState& sim, const RunEvents& events) {
 
 /// Pairs outlive a new geometry: those that it puts out of range are reported once, at the start of a run.
 void reportSkippedPairs(const SimState& sim, const RunEvents& events) {
-    if (sim.radActive != 1) return;
+    if (!sim.radActive) return;
     std::int64_t skipped = 0;
     for (std::int32_t pair = 1; pair <= sim.radPairCount; ++pair) skipped += pairInGrid(sim, pair) ? 0 : 1;
     if (skipped == 0) return;
@@ -131,12 +131,12 @@ void runSimulation(SimState& sim, const RunEvents& events, const RunOperations& 
     if (!plan) return;
     Run run{std::move(*plan), {}};
     sim.stageWork = workSlot;
-    sim.stopFlag = 0;
+    sim.stopFlag = false;
     sim.runDepth += 1;
     events.runBegan();
     do {
         runStep(sim, events, operations, run);
-    } while (sim.stopFlag != 1);
+    } while (!sim.stopFlag);
     events.runEnded();
     sim.revision += 1; // for a run that was suspended in a yield meanwhile
     sim.runDepth -= 1;

@@ -91,14 +91,14 @@ struct SimState {
     std::int32_t stepCount = 0;   ///< steps begun since the start of the run
     std::int32_t stepLimit = 0;   ///< steps that key NT asks for
     std::int32_t stopStep = 0;    ///< step at which the run ends; negative: no limit
-    std::int16_t stopFlag = 0;    ///< 1 asks the run loop to end after the step in hand
+    bool stopFlag = false;        ///< asks the run loop to end after the step in hand
     std::int16_t runMode = modeStart;
-    std::int16_t batchMode = 0; ///< 1: started by a program name that ends in "_"
+    bool batchMode = false;     ///< started by a program name that ends in "_"
     std::int16_t stageWork = 0; ///< slot that updatePrimitives works on: workSlot from the first run on
     float gasFactor = 0;        ///< J/(kg K), pressure[0] / (temperature[0] density[0])
     float rhoFloor = 0;         ///< kg/m3; a cell with no more than this does not donate in advection
     double sigmaRoot = 0;       ///< fourth root of the radiation constant
-    std::int16_t radActive = 0; ///< 1 once view factors have been imported
+    bool radActive = false;     ///< view factors have been imported
     std::int32_t radPairCount = 0;
     std::int32_t openError = 0; ///< error number of the last open of a state, view factor or spectrum file
 

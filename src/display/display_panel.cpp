@@ -104,7 +104,7 @@ void clickOk(SimState& sim, Interface& ui) {
     hideForm(ui, panel.form);
 }
 
-void clickToFile(SimState& sim, Interface& ui) { takeSnapshot(sim, ui, 1); }
+void clickToFile(SimState& sim, Interface& ui) { takeSnapshot(sim, ui, true); }
 
 void clickTitle(SimState& sim, Interface& ui) {
     sim.graphTitle = ui.askText("Title graph", sim.graphTitle).value_or("");

@@ -23,7 +23,7 @@ void tellFault(SimState& sim, const Interface& ui, const std::string& path, cons
 
 } // namespace
 
-void takeSnapshot(SimState& sim, Interface& ui, std::int16_t announce) {
+void takeSnapshot(SimState& sim, Interface& ui, bool announce) {
     const std::string path = joinPath(sim.inputDir, sim.baseName + stampOf(localTime()) + ".bmp");
     Surface& surface = ui.NV_out.Picture1;
     clearPlot(ui);
@@ -34,9 +34,8 @@ void takeSnapshot(SimState& sim, Interface& ui, std::int16_t announce) {
     ui.yieldToInterface();
     surface.setAutoRedraw(false);
 
-    const bool announces = announce == 1;
-    if (!reason.empty() && (announces || !sim.told.snapshot)) tellFault(sim, ui, path, reason);
-    if (reason.empty() && announces) ui.showMessage(path + " created");
+    if (!reason.empty() && (announce || !sim.told.snapshot)) tellFault(sim, ui, path, reason);
+    if (reason.empty() && announce) ui.showMessage(path + " created");
 }
 
 } // namespace norvane

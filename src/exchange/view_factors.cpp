@@ -110,7 +110,7 @@ void takeTable(SimState& sim, const PairTable& table) {
     sim.radPair[1] = std::move(cells[1]);
     sim.radFactor = std::move(factors);
     sim.radPairCount = count;
-    sim.radActive = 1;
+    sim.radActive = true;
     sim.sigmaRoot = std::pow(radiationConstant, 1.0 / 4.0);
 }
 

@@ -238,7 +238,7 @@ void showCellStructure(const SimState& sim, const Interface& ui) {
     std::string text = std::string("You have defined the cell structure: ") + lineEnd;
     for (int dim = 1; dim <= sim.nDim; ++dim)
         text += "D=" + std::to_string(dim) + " : " + std::to_string(sim.cellCount[dim]) + " Cells" + lineEnd;
-    if (sim.batchMode == 0) ui.showMessage(text);
+    if (!sim.batchMode) ui.showMessage(text);
 }
 
 void loadGeometry(SimState& sim, Interface& ui) {

@@ -27,7 +27,7 @@ void clickContinue(Program& program) {
 }
 
 void clickDisplay(Program& program) {
-    program.sim.stopFlag = 1;
+    program.sim.stopFlag = true;
     showDisplayPanel(program.sim, program.ui);
 }
 
@@ -97,7 +97,7 @@ void requestClose(Program& program, const Form& form) {
     const bool asks = &form == &program.ui.NV_in.form || &form == &program.ui.NV_out.form;
     if (!asks) return;
     showExitQuestion(program.ui);
-    program.sim.stopFlag = 1;
+    program.sim.stopFlag = true;
 }
 
 void raiseResize(Program& program, const Form& form) {

@@ -56,7 +56,7 @@ void connectProgram(Program& program) {
         {.name = "snapshot",
          .every = &SimState::frameEvery,
          .lastOfInterval = true,
-         .write = [&ui](SimState& sim) { takeSnapshot(sim, ui, 0); }},
+         .write = [&ui](SimState& sim) { takeSnapshot(sim, ui, false); }},
         {.name = "plot",
          .every = &SimState::updateEvery,
          .atStop = true,
@@ -74,8 +74,8 @@ void startProgram(Program& program, const ProgramStart& start) {
     Interface& ui = program.ui;
     setDirectory(program, start.folder);
     for (const Quantity& quantity : quantities()) ui.NV_dsp.Combo1.entries.emplace_back(quantity.name);
-    program.sim.batchMode = startsInBatchMode(start.name) ? 1 : 0;
-    if (program.sim.batchMode == 0) return;
+    program.sim.batchMode = startsInBatchMode(start.name);
+    if (!program.sim.batchMode) return;
     const std::string geometry = batchGeometry(program, start);
     if (geometry.empty()) return;
     selectGeometry(program, geometry);

@@ -183,7 +183,7 @@ TEST(windows, stayWhenTheyAreClosed) {
         EXPECT_TRUE(findWindow(form)->isVisible());
         EXPECT_EQ(findWindow("NV_einde")->isVisible(), std::string(form) == "NV_in");
     }
-    EXPECT_EQ(screen.test.sim.stopFlag, 1);
+    EXPECT_TRUE(screen.test.sim.stopFlag);
     QTest::keyClick(findWindow("NV_einde"), Qt::Key_Escape);
     EXPECT_FALSE(findWindow("NV_einde")->isVisible());
     screen.desktop.requestEndOfSession();

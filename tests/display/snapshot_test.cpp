@@ -24,7 +24,7 @@ TEST(snapshot, drawsTheKeptImageAndSavesItUnderTheMoment) {
     recordOn(test.ui.NV_out.Picture1, drawing);
     test.ui.yieldToInterface = [&] { drawing.emplace_back("yield"); };
     test.takeMessages();
-    takeSnapshot(test.sim, test.ui, 0);
+    takeSnapshot(test.sim, test.ui, false);
     ASSERT_GE(drawing.size(), 9u);
     EXPECT_EQ(Drawing(drawing.begin(), drawing.begin() + 2), (Drawing{"cls", "keep"}));
     const Drawing end = linesFrom(drawing, drawing.size() - 4);
@@ -32,7 +32,7 @@ TEST(snapshot, drawsTheKeptImageAndSavesItUnderTheMoment) {
     EXPECT_EQ(end[0].substr(5, test.folder.string().size()), test.folder.string());
     EXPECT_EQ(linesFrom(end, 1), (Drawing{"cls", "yield", "keep no more"}));
     EXPECT_TRUE(test.takeMessages().empty());
-    takeSnapshot(test.sim, test.ui, 1);
+    takeSnapshot(test.sim, test.ui, true);
     EXPECT_THAT(test.takeMessages(), testing::ElementsAre(MatchesRegex(".*/m_[0-9]{8}_[0-9]{6}\\.bmp created")));
 }
 
@@ -41,7 +41,7 @@ TEST(snapshot, isARealBitmapEvenWithoutAModel) {
     test.load(model);
     test.takeMessages();
     const auto image = drawOnImage(test.ui.NV_out.Picture1);
-    takeSnapshot(test.sim, test.ui, 1);
+    takeSnapshot(test.sim, test.ui, true);
     const std::string said = test.takeMessages().at(0);
     const std::string name = std::filesystem::path(said.substr(0, said.size() - 8)).filename().string();
     const std::string bytes = test.read(name);
@@ -58,12 +58,12 @@ TEST(snapshot, thatCannotBeWrittenIsToldOnceInARunAndAtEveryClick) {
     std::filesystem::remove_all(test.folder);
     test.sim.told.plotFile = true;
     test.sim.runDepth = 1;
-    takeSnapshot(test.sim, test.ui, 0);
-    takeSnapshot(test.sim, test.ui, 0);
+    takeSnapshot(test.sim, test.ui, false);
+    takeSnapshot(test.sim, test.ui, false);
     EXPECT_THAT(test.takeMessages(), testing::ElementsAre(MatchesRegex(
                                          "The snapshot .*\\.bmp can't be written: No such file or directory\\.\r\n"
                                          "The run goes on without it\\.")));
-    takeSnapshot(test.sim, test.ui, 1);
+    takeSnapshot(test.sim, test.ui, true);
     EXPECT_EQ(test.takeMessages().size(), 1u);
 }
 

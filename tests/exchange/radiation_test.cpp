@@ -84,7 +84,7 @@ TEST(viewFactors, readAlikeInAnyLayout) {
         importViewFactors(test.sim, test.ui);
         EXPECT_THAT(test.messages, ElementsAre("2 Viewfactors imported")) << text;
         ASSERT_EQ(test.sim.radPairCount, 2) << text;
-        EXPECT_EQ(test.sim.radActive, 1);
+        EXPECT_TRUE(test.sim.radActive);
         EXPECT_EQ(test.sim.radPair[0][1], 1);
         EXPECT_EQ(test.sim.radPair[1][1], 2);
         EXPECT_EQ(test.sim.radFactor[1], 0.125f);
@@ -103,7 +103,7 @@ TEST(viewFactors, withoutARecordSwitchRadiationOnWithNoPairs) {
     test.write("m_rad", "0 0 0");
     importViewFactors(test.sim, test.ui);
     EXPECT_THAT(test.messages, ElementsAre("3 Viewfactors imported", "0 Viewfactors imported"));
-    EXPECT_EQ(test.sim.radActive, 1);
+    EXPECT_TRUE(test.sim.radActive);
     EXPECT_EQ(test.sim.radPairCount, 0);
     EXPECT_FALSE(test.sim.radFactor.contains(1)) << "a trace of the earlier table";
 }
@@ -116,7 +116,7 @@ TEST(viewFactors, areAskedForWithoutAGeometryOrAFile) {
     importViewFactors(test.sim, test.ui);
     EXPECT_THAT(test.messages, ElementsAre("An error occured opening the file"));
     EXPECT_NE(test.sim.openError, 0);
-    EXPECT_EQ(test.sim.radActive, 0);
+    EXPECT_FALSE(test.sim.radActive);
 }
 
 TEST(viewFactors, withAFaultLeaveTheEarlierTableInForceAndNameTheRecord) {

@@ -53,7 +53,7 @@ TEST(load, showsTheStructureAndNamesItsFiles) {
     EXPECT_EQ(test.sim.graphTitle, "a");
     EXPECT_EQ(test.sim.runMode, modeGeometryRead);
     EXPECT_EQ(test.ui.NV_in.Text1.text, " rows: 4\r\n columns: 3");
-    test.sim.batchMode = 1;
+    test.sim.batchMode = true;
     EXPECT_THAT(test.load("L\n\nL"), IsEmpty());
 }
 

@@ -171,7 +171,7 @@ TEST(batchStart, runsTheGeometryNamedOrTheOnlyOneThereIs) {
     startProgram(test.program, {test.folder.string(), "norvane_", "two.GMT"});
     EXPECT_EQ(test.sim.stepCount, 4);
     startProgram(test.program, {test.folder.string(), "nor_vane", {}});
-    EXPECT_EQ(test.sim.batchMode, 0);
+    EXPECT_FALSE(test.sim.batchMode);
 }
 
 } // namespace

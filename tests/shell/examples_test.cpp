@@ -42,7 +42,7 @@ TEST(examples, showInTheirFirstPicturesWhatTheyAreAbout) {
         test.ui.stepBegan = [&] {
             if (test.sim.stepCount != test.sim.updateEvery) return;
             drawing.clear(); // the picture of step 1 shows the start; the next one is the first of the flow
-            test.sim.stopFlag = 1;
+            test.sim.stopFlag = true;
         };
         test.click("NV_in.Command2");
         EXPECT_THAT(test.takeMessages(), testing::IsEmpty()) << name;

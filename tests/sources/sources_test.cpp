@@ -56,7 +56,7 @@ TEST(exchange, isCappedAtHalfTheMassInAStepAndNeedsTwoSpecies) {
 
 /// Three closed cells at 300, 500 and 400 K, with pairs of factor 2 between the given cells.
 void setPairs(SimState& sim, const std::vector<std::pair<int, int>>& pairs) {
-    sim.radActive = 1;
+    sim.radActive = true;
     sim.sigmaRoot = std::pow(5.67e-8, 0.25);
     sim.radPairCount = static_cast<std::int32_t>(pairs.size());
     sim.radFactor.allocate(0, sim.radPairCount);

@@ -121,7 +121,7 @@ TEST(schedule, aRunWithoutALimitMakesOneStepOrGoesOnUntilItIsStopped) {
     EXPECT_EQ(test.sim.stepCount, 1);
     test.load("DT 1E-6:NT -1\nL\n\nL");
     test.ui.stepBegan = [&] {
-        if (test.sim.stepCount == 99) test.sim.stopFlag = 1;
+        if (test.sim.stepCount == 99) test.sim.stopFlag = true;
     };
     test.click("NV_in.Command2");
     EXPECT_EQ(test.sim.stepCount, 100);
@@ -160,7 +160,7 @@ TEST(stopFile, stopsARunWithTheExitQuestionAndIsClearedAgain) {
     const auto putAtStep = [&](int step, const char* content) {
         test.ui.stepBegan = [&test, step, content] {
             if (test.sim.stepCount == step) test.write("checkstop", content);
-            if (test.sim.stepCount == 30) test.sim.stopFlag = 1;
+            if (test.sim.stepCount == 30) test.sim.stopFlag = true;
         };
         test.click("NV_in.Command2");
         return test.sim.stepCount;
@@ -175,9 +175,9 @@ TEST(stopFile, stopsARunWithTheExitQuestionAndIsClearedAgain) {
 
 /// Polls the stop file, and takes the stop back again.
 bool stops(TestProgram& test, StopFileWatch& watch) {
-    test.sim.stopFlag = 0;
+    test.sim.stopFlag = false;
     pollCheckstop(test.sim, test.ui, {}, watch);
-    return test.sim.stopFlag == 1;
+    return test.sim.stopFlag;
 }
 
 TEST(stopFile, isSeenWhenItIsRewrittenRightAfterAPoll) {

@@ -63,7 +63,7 @@ ExitStatus loadFor(Console& console, const std::string& geometry) {
         std::fprintf(stderr, "\"%s\" names no geometry file\n", printableName(geometry).c_str());
         return exitFileFault;
     }
-    sim.batchMode = 1;
+    sim.batchMode = true;
     selectGeometry(program, geometry);
     loadGeometry(sim, program.ui);
     closeSeries(console);

@@ -108,7 +108,7 @@ void takeDrawnSnapshot(ConsoleRun& run, SimState& sim, Interface& ui) {
         if (reason.empty()) run.bitmaps[path] += 1;
         return reason;
     };
-    takeSnapshot(sim, ui, 0);
+    takeSnapshot(sim, ui, false);
 }
 
 void connectRun(ConsoleRun& run) {
@@ -116,7 +116,7 @@ void connectRun(ConsoleRun& run) {
     Program& program = run.console.program;
     run.console.beforeMessage = [&run] { run.progress.wipe(); };
     program.ui.yieldToInterface = [&program] {
-        if (stopSignal != 0) program.sim.stopFlag = 1;
+        if (stopSignal != 0) program.sim.stopFlag = true;
     };
     program.ui.runBegan = [&run] { beginRun(run); };
     program.ui.stepBegan = [&run] { run.progress.step(run.console.program.sim); };
@@ -244,7 +244,7 @@ int runGeometry(const RunOptions& options) {
     if (!claimFiles(run)) return exitFileFault;
     run.frames.prefix = absolutePath(program.sim.inputDir + "/" + program.sim.baseName + "_");
     if (options.radiation) importViewFactors(program.sim, program.ui);
-    if (options.radiation && program.sim.radActive != 1) return exitFileFault; // told by a message
+    if (options.radiation && !program.sim.radActive) return exitFileFault; // told by a message
     catchSignals();
     if (options.recall) {
         if (!recallState(program.sim, program.ui)) return exitFileFault;

@@ -93,7 +93,7 @@ int runDesktop(int argc, char** argv) {
     // As it was called, which may be a link: its name chooses batch mode, its folder the lists.
     const std::string file = programPath(calledAs);
     desktop.start({folderOf(file), nameOf(file), geometry.empty() ? geometry : absolutePath(geometry)});
-    if (!geometry.empty() && program.sim.batchMode == 0) {
+    if (!geometry.empty() && !program.sim.batchMode) {
         openArgument(program, geometry);
         desktop.refresh();
     }
