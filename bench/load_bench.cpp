@@ -45,7 +45,7 @@ void writeTable(int side, Texts texts) {
     table << "L" << tabs << "\n";
 }
 
-/// Bytes of this process in memory, now ("VmRSS:") or at most ("VmHWM:"); 0 where the system does not tell.
+/// Bytes of this process in memory, now ("VmRSS:") or at most ("VmHWM:"); 0 where the system does not know.
 double residentBytes(const std::string& which) {
     std::ifstream status("/proc/self/status");
     std::string word;

@@ -17,7 +17,7 @@ the columns, in any order, and each further row is one rectangular piece of wall
 Rows that are empty or begin with # are skipped. OUT is named after the geometry:
 cavity_rad for cavity.gmt.
 
-The pieces are grey and diffuse and see each other freely: nothing that stands
+The pieces are grey and diffuse and see each other freely: nothing
 between two of them is taken into account. What a piece sees beside the others
 are the surroundings, black and at the temperature of the default cell.
 

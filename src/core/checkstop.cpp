@@ -42,8 +42,8 @@ int watchedStopValue(StopFileWatch& watch) {
 void clearCheckstop(SimState& sim, const RunEvents& events) {
     if (sim.onlyLooks) return; // it may belong to a run in the same folder
     const FileResult written = writeFile(stopFileName, " 0 \r\n");
-    if (written || sim.told.stopFile) return;
-    sim.told.stopFile = true;
+    if (written || sim.reported.stopFile) return;
+    sim.reported.stopFile = true;
     events.showMessage("The file checkstop can't be written: " + written.reason
                        + ".\r\nThe run goes on, but an outside process can't stop it through that file.");
 }

@@ -32,8 +32,8 @@ void guarded(SimState& sim, const RunEvents& events, std::size_t number, const O
     } catch (const std::length_error&) { // a size beyond what the library's containers can count
     }
     const std::uint32_t bit = std::uint32_t{1} << std::min<std::size_t>(number, 31);
-    if ((sim.told.memory & bit) != 0) return;
-    sim.told.memory |= bit;
+    if ((sim.reported.memory & bit) != 0) return;
+    sim.reported.memory |= bit;
     events.showMessage(std::string("There is not enough memory for the ") + output.name
                        + ".\r\nThe run goes on without it.");
 }
@@ -125,7 +125,7 @@ Output& RunOperations::output(std::string_view name) {
 
 void runSimulation(SimState& sim, const RunEvents& events, const RunOperations& operations) {
     if (nestsTooDeep(sim, events)) return;
-    sim.told = {};
+    sim.reported = {};
     sim.outcome = {};
     std::optional<StagePlan> plan = prepareRun(sim, events, operations);
     if (!plan) return;

@@ -9,7 +9,7 @@ namespace norvane {
 constexpr int maxRunDepth = 8;
 
 /// The whole run: builds the model as runMode tells, then steps until stopFlag is set at the end of a step, at least
-/// once. Faults, told by a message: no geometry; too many runs on top of one another.
+/// once. Faults, reported by a message: no geometry; too many runs on top of one another.
 void runSimulation(SimState& sim, const RunEvents& events, const RunOperations& operations);
 
 /// Goes on from the state as it stands. Faults as above.

@@ -48,15 +48,15 @@ struct MomentumSlots : StageTable<float> {
     float operator()(int slot, std::int64_t cell, std::int64_t dim) const { return this->slot(slot)(cell, dim); }
 };
 
-/// How the latest run ended; told to front ends that report it. Reset when a run starts.
+/// How the latest run ended; for front ends that report it. Reset when a run starts.
 struct RunOutcome {
     bool reachedStopStep = false;
     bool negativeDensity = false;
     bool stopFile = false;
 };
 
-/// Faults of output files that have been told already: one message for a run (or for a click) is enough.
-struct ToldFaults {
+/// Faults of output files that have been reported already: one message for a run (or for a click) is enough.
+struct ReportedFaults {
     bool log = false;
     bool stopFile = false;
     bool plotFile = false;
@@ -71,7 +71,7 @@ struct RandomSequence {
     std::uint64_t state = 0x4E6F7276616E65; ///< any fixed value will do
 };
 
-/// The most threads that a run may be told to have.
+/// The most threads that a run may be given.
 constexpr int maxThreads = 1024;
 
 /// Index ranges are inclusive. Cells run from 1 to nCells, cell 0 is the template of the default cell; species run
@@ -107,7 +107,7 @@ struct SimState {
     std::int32_t gridCols = 0;
     std::int32_t firstLayerRow = 0; ///< row of the first L row; rows 1 to here hold defaults
     std::int32_t layerRows = 0;     ///< distance of two L rows: data rows of a layer plus 1
-    std::string inputDir;           ///< folder of the geometry, no separator behind it
+    std::string inputDir;           ///< folder of the geometry, no separator after it
     std::string fileName;           ///< name of the geometry file
     std::string baseName;           ///< fileName up to its first point
     std::string outName;            ///< name of the plot file
@@ -174,7 +174,7 @@ struct SimState {
     bool loading = false;       ///< a load is under way
     bool onlyLooks = false;     ///< a program that draws or exports: the stop file is left as it is
     RunOutcome outcome;
-    ToldFaults told;
+    ReportedFaults reported;
     RandomSequence spectrumRandom; ///< goes on from one spectrum to the next
 
     SimState() { paramGP.allocate(0, 1000); }

@@ -105,7 +105,7 @@ Color scaleColor(double v, double low, double high) {
             colorLevel((3 * v - low - 2 * high) / (high - low) * 255)};
 }
 
-/// The bottom of the scale stands at the top.
+/// The bottom of the scale is at the top.
 void drawLegend(Plot& plot) {
     const SimState& sim = plot.sim;
     Surface& surface = plot.surface;

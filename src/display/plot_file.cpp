@@ -37,8 +37,8 @@ void writePlotEntry(PlotFile& file, bool startsLine, float value) {
 
 void closePlotFile(PlotFile& file, SimState& sim, const Interface& ui) {
     if (!file.started || !file.text.empty()) flush(file);
-    if (file.result || sim.told.plotFile) return;
-    sim.told.plotFile = true;
+    if (file.result || sim.reported.plotFile) return;
+    sim.reported.plotFile = true;
     ui.showMessage("The plot file " + sim.outName + " can't be written: " + file.result.reason
                    + (sim.runDepth > 0 ? ".\r\nThe run goes on without it." : ".\r\nThe plot is shown without it."));
 }

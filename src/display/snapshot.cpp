@@ -16,7 +16,7 @@ std::string stampOf(const std::tm& moment) {
 }
 
 void tellFault(SimState& sim, const Interface& ui, const std::string& path, const std::string& reason) {
-    sim.told.snapshot = true;
+    sim.reported.snapshot = true;
     ui.showMessage("The snapshot " + path + " can't be written: " + reason
                    + (sim.runDepth > 0 ? ".\r\nThe run goes on without it." : "."));
 }
@@ -34,7 +34,7 @@ void takeSnapshot(SimState& sim, Interface& ui, bool announce) {
     ui.yieldToInterface();
     surface.setAutoRedraw(false);
 
-    if (!reason.empty() && (announce || !sim.told.snapshot)) tellFault(sim, ui, path, reason);
+    if (!reason.empty() && (announce || !sim.reported.snapshot)) tellFault(sim, ui, path, reason);
     if (reason.empty() && announce) ui.showMessage(path + " created");
 }
 

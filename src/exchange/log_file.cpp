@@ -29,8 +29,8 @@ std::int32_t logCell(const SimState& sim) {
 std::string logName(const SimState& sim) { return sim.baseName + "_log"; }
 
 void reportFault(SimState& sim, const RunEvents& events, const FileResult& written) {
-    if (written || sim.told.log) return;
-    sim.told.log = true;
+    if (written || sim.reported.log) return;
+    sim.reported.log = true;
     events.showMessage("The log file " + logName(sim) + " can't be written: " + written.reason
                        + ".\r\nThe run goes on without it.");
 }

@@ -37,7 +37,7 @@ ItemKind readItem(NumberItems& items, Number& value) {
     const auto read = std::from_chars(from, end, number);
     if (read.ptr == from || (read.ptr != end && !isSeparator(*read.ptr))) return passOver(items);
     items.next = static_cast<std::size_t>(read.ptr - items.text.data());
-    if (read.ec == std::errc::result_out_of_range) // which way is not told
+    if (read.ec == std::errc::result_out_of_range) // which way is not said
         number = static_cast<Number>(numericPrefix(items.text.substr(items.item, items.next - items.item)));
     value = number;
     return ItemKind::number;

@@ -13,7 +13,7 @@ namespace norvane {
 struct NumberItems {
     std::string_view text;
     std::size_t item = 0; ///< position of the item read last; the end of the text where none was left
-    std::size_t next = 0; ///< position behind it
+    std::size_t next = 0; ///< position after it
 };
 
 enum class ItemKind { number, otherText, endOfText };
@@ -32,13 +32,13 @@ std::size_t wholeItems(std::string_view text);
 
 /// Counts the lines of a text that passes piece by piece. A carriage return and a line feed end one line together.
 struct LineCount {
-    std::int64_t line = 1; ///< in which the next byte stands
+    std::int64_t line = 1; ///< of the next byte
     bool afterReturn = false;
 
     void pass(std::string_view text);
 };
 
-/// The line, counted from 1, in which the item read last stands.
+/// The line, counted from 1, of the item read last.
 std::int64_t lineOfItem(const NumberItems& items);
 
 /// For a message: the line of an item, and that it is not the number that was looked for.

@@ -9,8 +9,8 @@
 namespace norvane {
 
 /// Asks for the number of frequency points and writes the spectrum with them. A cancelled question, or an empty answer,
-/// does nothing. Faults, each told by a message, after which nothing is written: an answer that is no number or below
-/// 0; those of writeSpectrum.
+/// does nothing. Faults, each reported by a message, after which nothing is written: an answer that is no number or
+/// below 0; those of writeSpectrum.
 void exportSpectrum(SimState& sim, Interface& ui);
 
 /// Samples the velocity field at pointCount + 1 wave vectors k and writes "NV_spectrum" in inputDir, a row for each
@@ -20,7 +20,7 @@ void exportSpectrum(SimState& sim, Interface& ui);
 /// dimension k is 2 pi m over the lower edge of the last cell, with a whole m drawn from 0 to below cellCount / 2; it
 /// is 0 where that edge is 0, as with one cell. Ends with a beep and a message, and gives true when the file is
 /// written. Changes openError and spectrumRandom, nothing else. Without a geometry the rows hold 0 and 0. Faults, each
-/// told by a message: pointCount below 0; too many points for the memory; a file that can't be opened or written.
+/// reported by a message: pointCount below 0; too many points for the memory; a file that can't be opened or written.
 bool writeSpectrum(SimState& sim, Interface& ui, std::int32_t pointCount);
 
 /// The next number of a sequence on [0, 1), the same on every platform.

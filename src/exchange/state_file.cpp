@@ -174,11 +174,11 @@ FileResult readState(const std::string& path, const SimState& sim, StateReader& 
     const auto take = [&](std::string_view piece) { return takePiece(reader, piece); };
     const FileResult read = readWholeFile(path, {begin, take}, disturbed);
     const bool endsEarly = !reader.done() && reader.fitsCells && reader.latest != ItemKind::otherText;
-    if (read && endsEarly) readItems(reader, reader.text); // the last item may lack a separator behind it
+    if (read && endsEarly) readItems(reader, reader.text); // the last item may lack a separator after it
     return read;
 }
 
-/// What stands at the place of the item read last.
+/// What is at the place of the item read last.
 std::string nameOfItem(const StateReader& reader, const SimState& sim) {
     if (reader.linesRead == 0) return "the number of cells";
     if (reader.linesRead < headerLines) return "the step count";
@@ -245,7 +245,7 @@ const char* contentAfter(FileHolds holds) {
 
 bool saveState(SimState& sim, Interface& ui) {
     const auto fail = [&](const std::string& message, const std::string& detail = {}) {
-        sim.told.state = true;
+        sim.reported.state = true;
         ui.showMessage({message, ReportKind::saveFault, sim.stepCount, detail});
         return false;
     };

@@ -11,8 +11,8 @@ namespace norvane {
 /// cell [1..nCells], the second cell [-nCells..nCells] (0: the surroundings; the sign has no meaning) and two factors,
 /// whose product is the exchange factor of the pair, m2. What follows the last record is not read.
 /// Writes radActive, sigmaRoot, radPairCount, radPair, radFactor, openError. A loaded geometry is enough.
-/// Faults, each told by a message: no geometry; a file that can't be opened or read; text in the place of a number, a
-/// negative number of records, a file that ends before the last of them, a cell beyond the grid; no memory for the
+/// Faults, each reported by a message: no geometry; a file that can't be opened or read; text in the place of a number,
+/// a negative number of records, a file that ends before the last of them, a cell beyond the grid; no memory for the
 /// table. After each of them the earlier table is in force whole.
 void importViewFactors(SimState& sim, Interface& ui);
 

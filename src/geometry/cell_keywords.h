@@ -13,7 +13,7 @@
 namespace norvane {
 
 /// A text as the readers below take it: letters a to z in capitals, since keys are compared exactly, and points for
-/// commas, since either may stand in a number. As long as the text.
+/// commas, since either may be part of a number. As long as the text.
 std::string readable(std::string_view text);
 
 /// Calls `take(item, at)` for every item of a cell text (its parts between ":", empty ones left out), made readable;

@@ -74,7 +74,7 @@ bool readTable(Load& load) {
         return fail(load, "The geometry file " + sim.fileName + " is no table: there is no tab and no line end in it."
                               + lineEnd + "Save the table of the geometry as tab-separated text under this name.");
     const FileResult read = readFile(path, bytes);
-    sim.told.geometry = !read;
+    sim.reported.geometry = !read;
     if (!read) return fail(load, "The geometry file " + sim.fileName + " can't be read: " + read.reason + ".");
     CellTextTable table(toUtf8(std::move(bytes)));
     load.rowCount = table.rowCount();
@@ -154,7 +154,7 @@ std::string misplacedMarkText(std::int64_t row, int dim) {
            + std::to_string(dim + 1) + lineEnd + " was not found at the correct spot.";
 }
 
-/// Shows a message about a row that is out of place, and tells whether the load may go on.
+/// Shows a message about a row that is out of place, and says whether the load may go on.
 bool tellLayerFault(Load& load, std::int64_t row, const std::string& text) {
     load.ui.showMessage({text, ReportKind::layerMark, row});
     load.layerMessages += 1;

@@ -93,7 +93,7 @@ struct TemplateCopy {
         fill(&(sim.*member)[0]);
     }
 
-    /// A code of the whole cell is not copied: it stands in a text, or the cell has none.
+    /// A code of the whole cell is not copied: it comes from a text, or the cell has none.
     template <class T>
     void operator()(CellTable<T> SimState::*member) const {
         const ComponentRange range = componentRange(field.components, sim.nDim, sim.nsMax);

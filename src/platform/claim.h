@@ -16,7 +16,7 @@ public:
     Claim& operator=(Claim&& other) noexcept;
 
     /// Asks for what only one process may have. Where another one has it, `holder` becomes its number (-1 where the
-    /// system does not tell), else 0. Systems without such claims grant all.
+    /// system does not say), else 0. Systems without such claims grant all.
     static Claim alone(const std::string& folder, const std::string& name, int& holder);
 
     /// Joins those who share a name; `other` becomes the number of one that has been there before, else 0.

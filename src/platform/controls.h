@@ -1,6 +1,6 @@
 #pragma once
 // Windows as plain records. The logic reads and writes these; a front end copies a person's input into them, calls the
-// handler of the event and shows the records as they then stand. Controls keep the names of the forms.
+// handler of the event and shows the records as they are then. Controls keep the names of the forms.
 
 #include "platform/surface.h"
 
@@ -44,7 +44,7 @@ struct Selector {
 };
 
 struct DirectoryList {
-    std::string path; ///< absolute, no separator behind it
+    std::string path; ///< absolute, no separator after it
 };
 
 struct FileList {

@@ -223,18 +223,18 @@ FileStamp stampOf(const std::string& path) {
     if (failed) return {};
     return {true, size, std::chrono::duration_cast<std::chrono::nanoseconds>(written).count()};
 #else
-    struct stat told {};
+    struct stat status {};
 
-    if (::stat(path.c_str(), &told) != 0) return {};
+    if (::stat(path.c_str(), &status) != 0) return {};
     const auto nanoseconds = [](const timespec& time) {
         return std::int64_t{time.tv_sec} * 1000000000 + std::int64_t{time.tv_nsec};
     };
     return {true,
-            static_cast<std::uint64_t>(told.st_size),
-            nanoseconds(told.st_mtim),
-            nanoseconds(told.st_ctim),
-            std::uint64_t{told.st_dev},
-            std::uint64_t{told.st_ino}};
+            static_cast<std::uint64_t>(status.st_size),
+            nanoseconds(status.st_mtim),
+            nanoseconds(status.st_ctim),
+            std::uint64_t{status.st_dev},
+            std::uint64_t{status.st_ino}};
 #endif
 }
 

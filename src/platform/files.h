@@ -1,5 +1,5 @@
 #pragma once
-// Whole-file operations. Everything that needs a call of the operating system lies behind these. None waits for another
+// Whole-file operations. Everything that needs a call of the operating system is made here. None waits for another
 // process, and none writes through a link that somebody else may have laid: see open_file.h.
 
 #include <cstdint>
@@ -58,21 +58,22 @@ FileResult tryOpenForWriting(const std::string& path);
 /// Removes a file; one that is not there is no fault.
 FileResult removeFile(const std::string& path);
 
-/// Names of the files in a folder that end as told, whatever the case, sorted byte by byte; no folders. Empty if the
+/// Names of the files in a folder with a given ending, whatever the case, sorted byte by byte; no folders. Empty if the
 /// folder can't be read.
 std::vector<std::string> listFiles(const std::string& folder, const std::string& ending);
 
 /// Opens for reading and closes: whether a read would meet a fault.
 FileResult tryOpenForReading(const std::string& path);
 
-/// What the system tells of a file without opening it. After a write it differs, unless the clock of the file system
-/// has not moved since the write before; after a replacement it always differs where the system numbers its files.
+/// Data of a file that the system gives without opening it. After a write it differs, unless the clock of the file
+/// system has not moved since the write before; after a replacement it always differs where the system numbers its
+/// files.
 struct FileStamp {
     bool exists = false;
     std::uint64_t size = 0;
     std::int64_t modified = 0; ///< ns, as the following
-    std::int64_t changed = 0;  ///< also by a change of name or rights; 0 where the system does not tell
-    std::uint64_t device = 0;  ///< with the number of the file there, what tells it from others; 0 as before
+    std::int64_t changed = 0;  ///< also by a change of name or rights; 0 where the system does not know
+    std::uint64_t device = 0;  ///< with the number of the file there, what distinguishes it from others; 0 as before
     std::uint64_t number = 0;
 
     bool operator==(const FileStamp&) const = default;

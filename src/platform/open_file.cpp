@@ -233,7 +233,7 @@ bool lockFile(std::FILE* file, bool exclusive, bool& waited) {
     return false;
 #else
     using namespace std::chrono_literals;
-    constexpr auto patience = 5s; // a process that holds the lock and stands still must not hold up a run for ever
+    constexpr auto patience = 5s; // a process that holds the lock and hangs must not hold up a run for ever
     const auto start = std::chrono::steady_clock::now();
     for (;;) {
         if (::flock(::fileno(file), (exclusive ? LOCK_EX : LOCK_SH) | LOCK_NB) == 0) return true;

@@ -20,7 +20,7 @@ namespace {
 constexpr char mark = '#';
 constexpr std::size_t blockBytes = std::size_t{1} << 17; // stays in the cache while it is taken
 
-/// FNV-1a, eight bytes at a time where there are so many: it has to tell a whole copy from a torn one, quickly.
+/// FNV-1a, eight bytes at a time where there are so many: it has to distinguish a whole copy from a torn one, quickly.
 struct Checksum {
     std::uint64_t sum = 1469598103934665603u;
 

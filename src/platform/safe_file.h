@@ -39,7 +39,7 @@ struct PieceReader {
 
 /// Reads a file that overwriteFile writes: the copy where the front is marked, else the front, which may be followed by
 /// what a killed overwrite has left. While another process is overwriting it the read is made again, for some seconds
-/// at most; `disturbed` tells whether that was so. Memory that is short in `take` counts as a failure of the read.
+/// at most; `disturbed` says whether that was so. Memory that is short in `take` counts as a failure of the read.
 FileResult readWholeFile(const std::string& path, const PieceReader& reader, bool& disturbed);
 
 } // namespace norvane

@@ -77,7 +77,7 @@ constexpr Button buttonTable[] = {
 std::span<const Button> buttons() { return buttonTable; }
 
 void click(Program& program, const Button& button) {
-    if (program.sim.runDepth == 0) program.sim.told = {}; // a fault is told once for a run or a click
+    if (program.sim.runDepth == 0) program.sim.reported = {}; // a fault is reported once for a run or a click
     try {
         button.click(program);
     } catch (const std::bad_alloc&) {

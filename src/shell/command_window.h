@@ -1,5 +1,5 @@
 #pragma once
-// The commands of the windows. A front end raises events by these, and shows the records as they then stand.
+// The commands of the windows. A front end raises events by these, and shows the records as they are then.
 
 #include "shell/program.h"
 

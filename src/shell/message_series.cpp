@@ -22,7 +22,7 @@ std::string listed(const std::vector<std::int64_t>& places) {
     return text;
 }
 
-/// The first few cells or rows show the place; of saves the first one tells all.
+/// The first few cells or rows show the place; of saves the first one says all.
 std::int64_t mostShown(ReportKind kind) { return kind == ReportKind::saveFault ? 1 : 5; }
 
 const char* nounOf(ReportKind kind, bool many) {

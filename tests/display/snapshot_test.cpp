@@ -56,7 +56,7 @@ TEST(snapshot, thatCannotBeWrittenIsToldOnceInARunAndAtEveryClick) {
     test.takeMessages();
     const auto image = drawOnImage(test.ui.NV_out.Picture1);
     std::filesystem::remove_all(test.folder);
-    test.sim.told.plotFile = true;
+    test.sim.reported.plotFile = true;
     test.sim.runDepth = 1;
     takeSnapshot(test.sim, test.ui, false);
     takeSnapshot(test.sim, test.ui, false);

@@ -1,4 +1,4 @@
-// The engine gives the bits of the plain evaluation, cell by cell as the formulas stand, on random models with
+// The engine gives the bits of the plain evaluation, cell by cell, formula by formula, on random models with
 // everything in them: for every instruction set of this machine and for any number of threads.
 
 #include "core/stage_engine.h"

@@ -67,7 +67,7 @@ ExitStatus loadFor(Console& console, const std::string& geometry) {
     selectGeometry(program, geometry);
     loadGeometry(sim, program.ui);
     closeSeries(console);
-    if (sim.told.geometry) return exitFileFault;
+    if (sim.reported.geometry) return exitFileFault;
     if (sim.nDim > 0 && sim.nCells == 0)
         std::fprintf(stderr, "%s: a grid without cells; mend its layer marks\n", printableName(sim.fileName).c_str());
     return sim.nCells == 0 ? exitNoModel : exitDone;

@@ -25,7 +25,7 @@ void closeSeries(Console& console);
 /// Imports a geometry without its structure message; what is wrong with it is printed. Gives the exit status.
 ExitStatus loadFor(Console& console, const std::string& geometry);
 
-/// Makes the model stand for a command that only looks: built afresh, or recalled from the state file. Gives the exit
+/// Makes a model for a command that only looks: built afresh, or recalled from the state file. Gives the exit
 /// status; leaves the stop file alone.
 ExitStatus standModel(Console& console, bool recalled);
 

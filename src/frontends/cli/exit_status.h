@@ -2,7 +2,7 @@
 
 namespace norvane {
 
-/// What the program tells its caller when it ends.
+/// What the program returns to its caller when it ends.
 enum ExitStatus : int {
     exitDone = 0,
     exitEndedByModel = 1, ///< negative density

@@ -46,7 +46,7 @@ constexpr const char* spectrumHelp = "Write the velocity spectrum of a geometry 
                                      "a row for each random wave vector, with its length and the power found there.";
 
 constexpr const char* scriptHelp =
-    "Drive the whole program without a window: the commands of FILE stand for a person's clicks,\n"
+    "Drive the whole program without a window: the commands of FILE are a person's clicks,\n"
     "and every message, question and window that a person would have seen is printed.\n"
     "Exit status: 0, or 2 after a fault of the script.";
 

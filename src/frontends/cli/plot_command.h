@@ -22,8 +22,8 @@ struct PlotOptions {
     std::string size; ///< "1200x900" pixels
 };
 
-/// Draws a picture of a geometry without a window; the ending of its name tells the format. Gives the exit status. A
-/// fault of an option is told with the option's name and what it may be.
+/// Draws a picture of a geometry without a window; the ending of its name gives the format. Gives the exit status. A
+/// fault of an option is reported with the option's name and what it may be.
 int plotGeometry(const PlotOptions& options);
 
 } // namespace norvane

@@ -12,7 +12,7 @@ class Progress {
 public:
     Progress(bool quiet, bool terminal) : quiet_(quiet), terminal_(terminal) {}
 
-    /// A run begins; the step count and the stop step stand.
+    /// A run begins; the step count and the stop step are known.
     void begin(const SimState& sim);
     /// A step begins: `stepCount` steps are complete.
     void step(const SimState& sim);

@@ -84,7 +84,7 @@ void say(ConsoleRun& run, const std::string& line) {
     if (!printed && errno != EPIPE) run.printed = false; // a reader who leaves has read enough
 }
 
-/// The build has read the keys: what the command line tells takes their place.
+/// The build has read the keys: what the command line names takes their place.
 void beginRun(ConsoleRun& run) {
     SimState& sim = run.console.program.sim;
     run.ran = true;
@@ -219,9 +219,10 @@ int finish(ConsoleRun& run) {
     if (!run.options.movie.empty()) written = makeMovieAtEnd(run) && written;
     const SimState& sim = run.console.program.sim;
     if (sim.outcome.negativeDensity) return exitEndedByModel;
-    const ToldFaults& told = sim.told;
+    const ReportedFaults& reported = sim.reported;
     // Not the stop file: the results are whole without it.
-    const bool missesOutput = told.log || told.plotFile || told.snapshot || told.state || told.memory != 0;
+    const bool missesOutput =
+        reported.log || reported.plotFile || reported.snapshot || reported.state || reported.memory != 0;
     if (!run.printed) std::fprintf(stderr, "norvane: not all could be printed\n");
     if (missesOutput || !written || run.frames.missing > 0 || !run.printed) return exitFileFault;
     return sim.outcome.reachedStopStep ? exitDone : exitStoppedEarly;
@@ -244,7 +245,7 @@ int runGeometry(const RunOptions& options) {
     if (!claimFiles(run)) return exitFileFault;
     run.frames.prefix = absolutePath(program.sim.inputDir + "/" + program.sim.baseName + "_");
     if (options.radiation) importViewFactors(program.sim, program.ui);
-    if (options.radiation && !program.sim.radActive) return exitFileFault; // told by a message
+    if (options.radiation && !program.sim.radActive) return exitFileFault; // reported by a message
     catchSignals();
     if (options.recall) {
         if (!recallState(program.sim, program.ui)) return exitFileFault;
@@ -268,7 +269,7 @@ int runBatch(const ProgramStart& start) {
     startProgram(run.console.program, claiming);
     if (isTaken) return exitFileFault;
     if (run.ran) return finish(run);
-    return run.console.program.sim.told.geometry ? exitFileFault : exitNoModel;
+    return run.console.program.sim.reported.geometry ? exitFileFault : exitNoModel;
 }
 
 } // namespace norvane

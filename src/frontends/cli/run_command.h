@@ -12,8 +12,8 @@ struct RunOptions {
     bool recall = false;    ///< goes on from the saved state
     bool save = false;      ///< saves the state at the end
     bool radiation = false; ///< imports the view factors first
-    int plotEvery = 0;      ///< steps between plots; 0: as the geometry tells
-    int frameEvery = 0;     ///< steps between pictures; 0: none but those that the geometry tells
+    int plotEvery = 0;      ///< steps between plots; 0: as the geometry says
+    int frameEvery = 0;     ///< steps between pictures; 0: none but those that the geometry asks for
     int threads = 0;        ///< 0: as suits the grid and the machine
     std::string movie;      ///< file of the film of the pictures; empty: none
 };
@@ -22,7 +22,7 @@ struct RunOptions {
 /// An interrupt or a termination request finishes the step in hand; a second one ends the process.
 int runGeometry(const RunOptions& options);
 
-/// The batch start: as above, with the geometry named or found as the program's start tells.
+/// The batch start: as above, with the geometry named or found as the program's start does.
 int runBatch(const ProgramStart& start);
 
 } // namespace norvane

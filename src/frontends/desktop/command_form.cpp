@@ -69,7 +69,7 @@ void CommandForm::addLists() {
     });
 }
 
-/// The number of threads is no control of the form: it stands in the menu, and works with its key.
+/// The number of threads is no control of the form: it is in the menu, and works with its key.
 void CommandForm::addThreads() {
     threads_ = new QAction("&Threads ...", this);
     threads_->setShortcut(Qt::CTRL | Qt::Key_T);
@@ -142,7 +142,7 @@ void CommandForm::resizeEvent(QResizeEvent* event) {
 }
 
 void CommandForm::dragEnterEvent(QDragEnterEvent* event) {
-    // Not every desktop keeps drops from the windows behind a message.
+    // Not every desktop keeps drops from the windows below a message.
     const bool isHeldUp = QApplication::activeModalWidget() != nullptr;
     if (!isHeldUp && !draggedGeometry(*event->mimeData()).empty()) event->acceptProposedAction();
 }

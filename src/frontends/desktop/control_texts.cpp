@@ -19,10 +19,10 @@ constexpr ControlText table[] = {
     {"NV_in", "Command4", "d", "Display panel",
      "Opens the display panel.\nStops a run after the step in hand; Cont goes on with it."},
     {"NV_in", "Command8", "a", "Import view factors",
-     "Reads the view factors beside the geometry, the file with _rad behind its name.\n"
+     "Reads the view factors beside the geometry, the file with _rad after its name.\n"
      "They replace those read before, also in a run."},
     {"NV_in", "Command6", "S", "Save state",
-     "Writes the state beside the geometry, replacing the file with _state behind its name.\nA run goes on."},
+     "Writes the state beside the geometry, replacing the file with _state after its name.\nA run goes on."},
     {"NV_in", "Command7", "l", "Recall state",
      "Reads the state that was saved last.\n"
      "The present state and the settings of the display panel are lost. Cont goes on from there."},
@@ -33,7 +33,7 @@ constexpr ControlText table[] = {
     {"NV_in", "File1", "", "Geometries",
      "The geometries (*.gmt) in this folder.\nEnter imports the one selected, as the button does."},
     {"NV_out", "Picture1", "", "Plot",
-     "The plot. Ctrl+C copies it; the pointer over a cell tells its number, position and value."},
+     "The plot. Ctrl+C copies it; the pointer over a cell shows its number, position and value."},
     {"NV_dsp", "zzoom", "Z", "Zoom",
      "Stretch of this dimension. The plot is fitted to the window, so only ratios show."},
     {"NV_dsp", "Offset", "f", "Offset", "Metres that the picture is moved back along this dimension."},

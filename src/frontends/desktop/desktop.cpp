@@ -39,7 +39,7 @@ FormWindow& Desktop::windowOf(const Form& form) {
 
 void Desktop::start(const ProgramStart& start) {
     restorePlaces({&commands_, &plot_, &panel_, &question_});
-    if (program_.sim.threads == 0) program_.sim.threads = keptThreads(); // else the command line tells it
+    if (program_.sim.threads == 0) program_.sim.threads = keptThreads(); // else the command line names it
     refresh();
     commands_.show();
     act(commands_, [&] { startProgram(program_, start); });

@@ -11,7 +11,7 @@
 namespace norvane {
 
 /// Holds no logic of the program: its windows copy a person's input into the records and call the handlers of the
-/// shell, and it shows the records as they then stand.
+/// shell, and it shows the records as they are then.
 class Desktop {
 public:
     /// Makes the windows and fills in the operations of the program's interface. Needs a QApplication.
@@ -23,7 +23,7 @@ public:
     /// Shows the command window and starts the program; in batch mode it returns when that run has stopped.
     void start(const ProgramStart& start);
 
-    /// Shows all records as they stand.
+    /// Shows all records.
     void refresh();
 
     /// Carries out all pending events now.

@@ -31,7 +31,7 @@ std::optional<std::string> askInInputBox(QWidget* parent, const std::string& pro
     box.setTextValue(QString::fromStdString(defaultText));
     box.setWindowModality(Qt::ApplicationModal);
     const bool accepted = box.exec() == QDialog::Accepted;
-    // What follows may take long: without this the box would stand on the screen meanwhile.
+    // What follows may take long: without this the box would stay on the screen meanwhile.
     box.hide();
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     return accepted ? std::optional(box.textValue().toStdString()) : std::nullopt;

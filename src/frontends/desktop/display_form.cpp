@@ -15,7 +15,7 @@ QString elementOf(const char* name, int element) {
     return element == noElement ? QString(name) : QStringLiteral("%1(%2)").arg(name).arg(element);
 }
 
-/// What stands beside or above a control: "Zoom X", "Minscale"; nothing beside the two selectors of the quantity.
+/// The caption beside or above a control: "Zoom X", "Minscale"; nothing beside the two selectors of the quantity.
 QString captionOf(const QString& name, int element) {
     const QString row = name == "zzoom" ? "Zoom" : name == "ComboSlice" ? "Slice" : name;
     if (element != noElement) return row + ' ' + dimensionNames[element];

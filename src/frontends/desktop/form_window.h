@@ -11,7 +11,7 @@
 
 namespace norvane {
 
-/// Raises an event: runs a handler of the program, and then shows the records as they stand.
+/// Raises an event: runs a handler of the program, and then shows the records.
 using Act = std::function<void(const std::function<void()>& handler)>;
 
 /// A window of one of the program's forms. The form always stays: a close request goes to the program and is refused.
@@ -26,7 +26,7 @@ public:
     /// Puts the controls in place and gives the window its size.
     virtual void layOut(double factor);
 
-    /// Shows the records of this window as they stand.
+    /// Shows the records of this window.
     virtual void refresh() {}
 
 protected:
@@ -37,7 +37,7 @@ protected:
     void add(QWidget* control, const QString& name, const TwipRect& place, const QSize& needed);
 
     /// Gives a control its tool tip and its name for assistive programs, which begins with its caption: a person may
-    /// speak what stands on the screen.
+    /// speak what is on the screen.
     void describe(QWidget* control, const ControlText& text, const QString& caption = {}) const;
 
     /// A label that only assistive programs meet, for a control that no label of the form belongs to.
@@ -66,7 +66,7 @@ private:
     QPushButton* escape_ = nullptr;
 };
 
-/// A caption with the mark of its key, and with whatever it holds itself shown as it stands.
+/// A caption with the mark of its key, and with whatever it holds itself shown unchanged.
 QString captionWithKey(const QString& caption, const QString& key);
 
 } // namespace norvane

@@ -18,7 +18,7 @@ namespace norvane {
 
 namespace {
 
-/// What the command line tells.
+/// What the command line asks for.
 struct StartOptions {
     std::string geometry; ///< empty: none
     int threads = 0;      ///< 0: those that were set last

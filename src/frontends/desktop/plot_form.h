@@ -22,7 +22,7 @@ public:
     /// Paints the image anew if it was changed.
     void refresh();
 
-    /// The image as it stands. It shares the memory of the picture.
+    /// The image. It shares the memory of the picture.
     QImage image() const;
 
     /// Points of the window for a pixel of the image.

@@ -16,7 +16,7 @@ struct TwipRect {
     int height = 0;
 };
 
-/// A control, where it stands, and the pixels that it needs to be read.
+/// A control, its place, and the pixels that it needs to be read.
 struct PlacedControl {
     QWidget* control = nullptr;
     TwipRect place;

@@ -1,5 +1,5 @@
 #pragma once
-// Where the windows stand, from one start of the program to the next. Their sizes are not kept: the plot window's is
+// Where the windows are, from one start of the program to the next. Their sizes are not kept: the plot window's is
 // that of the picture, and it starts alike every time.
 
 #include <QPoint>

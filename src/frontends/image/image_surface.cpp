@@ -59,7 +59,7 @@ cairo_surface_t* createTarget(Picture& picture) {
 void startPicture(Picture& picture) {
     picture.context.reset();
     picture.target.reset();
-    picture.pageBytes.clear(); // behind the target, which may write its end
+    picture.pageBytes.clear(); // after the target, which may write its end
     picture.target.reset(createTarget(picture));
     picture.context.reset(cairo_create(picture.target.get()));
     cairo_t* context = picture.context.get();

@@ -21,7 +21,7 @@ namespace norvane {
 
 enum class PictureFormat { bmp, png, svg, pdf };
 
-/// The format that the ending of a file name stands for, whatever its case; none for any other ending.
+/// The format that the ending of a file name means, whatever its case; none for any other ending.
 std::optional<PictureFormat> pictureFormat(const std::string& fileName);
 
 struct DestroyCairo {
@@ -30,7 +30,7 @@ struct DestroyCairo {
     void operator()(cairo_t* context) const { cairo_destroy(context); }
 };
 
-/// A text as it stands in a picture.
+/// A text as a picture shows it.
 struct DrawnText {
     std::string text;
     float x = 0;

@@ -26,7 +26,7 @@ struct ScriptHands {
     std::function<bool(const std::string& control, const std::string& text)> set;
     std::function<std::optional<int>(const std::string& selector)> entryCount;
     std::function<void(const std::string& selector, int index)> choose;
-    /// What is printed behind the name of a form or a control.
+    /// What is printed after the name of a form or a control.
     std::function<std::optional<std::string>(const std::string& name)> look;
 };
 

@@ -16,13 +16,13 @@ struct ScriptLine {
 /// The commands of a script: no blank lines, no comments, no byte order mark.
 std::vector<ScriptLine> scriptLines(std::string_view bytes);
 
-/// Takes the first word off a text: the text becomes what stands behind the word and one blank.
+/// Takes the first word off a text: the text becomes what follows the word and one blank.
 std::string takeWord(std::string_view& text);
 
 /// The text without blanks at both ends.
 std::string_view trimmed(std::string_view text);
 
-/// A text of a script as it is meant: \t, \r, \n and \\ stand for a tab, CR, LF and a backslash.
+/// A text of a script as it is meant: \t, \r, \n and \\ mean a tab, CR, LF and a backslash.
 std::string unescaped(std::string_view text);
 
 /// The other way round, for printing.
