@@ -3,7 +3,7 @@
 #include "bench_model.h"
 #include "display/field_plot.h"
 #include "display/snapshot.h"
-#include "frontends/image/image_surface.h"
+#include "drawing/image_surface.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,3 +1,4 @@
+#include "platform/letter_case.h"
 #include "platform/open_file.h"
 
 #include <algorithm>
@@ -195,18 +196,12 @@ std::string programPath(const std::string& calledName) {
 }
 
 std::vector<std::string> listFiles(const std::string& folder, const std::string& ending) {
-    const auto lower = [](std::string text) {
-        for (char& c : text)
-            if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-        return text;
-    };
     std::vector<std::string> names;
     std::error_code failed;
     std::filesystem::directory_iterator entry(folder, failed);
     for (; !failed && entry != std::filesystem::directory_iterator(); entry.increment(failed)) {
         const std::string name = entry->path().filename().string();
-        const bool fits =
-            name.size() >= ending.size() && lower(name.substr(name.size() - ending.size())) == lower(ending);
+        const bool fits = endsLike(name, ending);
         std::error_code unknown;
         if (fits && !entry->is_directory(unknown)) names.push_back(name);
     }

@@ -1,7 +1,7 @@
 // Pictures: which pixels boxes and lines take, and the files they become.
 
 #include "display/field_plot.h"
-#include "frontends/image/image_surface.h"
+#include "drawing/image_surface.h"
 #include "support/test_program.h"
 
 #include <gtest/gtest.h>

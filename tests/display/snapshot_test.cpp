@@ -2,7 +2,7 @@
 
 #include "display/recording.h"
 #include "display/snapshot.h"
-#include "frontends/image/image_surface.h"
+#include "drawing/image_surface.h"
 #include "support/test_program.h"
 
 #include <gmock/gmock.h>

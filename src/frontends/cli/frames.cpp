@@ -1,7 +1,7 @@
 #include "frontends/cli/frames.h"
 
 #include "display/field_plot.h"
-#include "frontends/image/image_surface.h"
+#include "drawing/image_surface.h"
 #include "platform/process.h"
 
 #include <cstdio>

@@ -3,8 +3,9 @@
 #include "core/number_text.h"
 #include "core/quantities.h"
 #include "display/field_plot.h"
+#include "drawing/image_surface.h"
 #include "frontends/cli/console.h"
-#include "frontends/image/image_surface.h"
+#include "platform/letter_case.h"
 #include "platform/terminal_text.h"
 
 #include <algorithm>
@@ -16,19 +17,13 @@ namespace norvane {
 
 namespace {
 
-std::string lowered(std::string text) {
-    for (char& c : text)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return text;
-}
-
 /// Prints what is wrong with an option, and gives false for the caller to pass on.
 bool fault(const std::string& option, const std::string& given, const std::string& allowed) {
     std::fprintf(stderr, "%s: \"%s\" is not %s\n", option.c_str(), printableName(given).c_str(), allowed.c_str());
     return false;
 }
 
-std::optional<double> numberIn(const std::string& text) {
+std::optional<double> finiteNumber(const std::string& text) {
     std::size_t length = 0;
     const double value = numericPrefix(text, length);
     if (length == 0 || length != text.size() || !std::isfinite(value)) return std::nullopt;
@@ -37,7 +32,7 @@ std::optional<double> numberIn(const std::string& text) {
 
 /// A whole number of the range; none where the text is something else.
 std::optional<int> wholeIn(const std::string& text, int low, int high) {
-    const std::optional<double> value = numberIn(text);
+    const std::optional<double> value = finiteNumber(text);
     if (!value || *value != std::floor(*value) || *value < low || *value > high) return std::nullopt;
     return static_cast<int>(*value);
 }
@@ -63,7 +58,7 @@ bool takeQuantity(const PlotOptions& options, SimState& sim, const Selector& qua
     }
     std::string names;
     for (std::size_t k = 0; k < quantities.entries.size(); ++k) {
-        if (lowered(quantities.entries[k]) == lowered(options.quantity)) {
+        if (lowerCase(quantities.entries[k]) == lowerCase(options.quantity)) {
             sim.showWhat = static_cast<std::int16_t>(k + 1);
             return true;
         }
@@ -87,7 +82,7 @@ bool takeComponent(const PlotOptions& options, SimState& sim) {
     std::string known;
     for (int dim = 0; dim <= std::min<int>(sim.nDim, 4); ++dim) {
         known += std::string(names[dim]) + ", ";
-        if (lowered(options.component) == names[dim]) {
+        if (lowerCase(options.component) == names[dim]) {
             sim.showDims = static_cast<std::int16_t>(dim);
             return true;
         }
@@ -166,10 +161,10 @@ bool fitScale(const PlotOptions& options, SimState& sim) {
 
 bool takeScale(const PlotOptions& options, SimState& sim) {
     if (options.scale.empty()) return true;
-    if (lowered(options.scale) == "auto") return fitScale(options, sim);
+    if (lowerCase(options.scale) == "auto") return fitScale(options, sim);
     const std::vector<std::string> ends = parts(options.scale, ':');
-    const std::optional<double> low = ends.size() == 2 ? numberIn(ends[0]) : std::nullopt;
-    const std::optional<double> high = ends.size() == 2 ? numberIn(ends[1]) : std::nullopt;
+    const std::optional<double> low = ends.size() == 2 ? finiteNumber(ends[0]) : std::nullopt;
+    const std::optional<double> high = ends.size() == 2 ? finiteNumber(ends[1]) : std::nullopt;
     const auto bottom = static_cast<float>(low.value_or(0));
     const auto top = static_cast<float>(high.value_or(0));
     const bool isReversed = sim.showWhat != showVectors && top < bottom; // of arrows each end has a meaning of its own
@@ -187,7 +182,7 @@ bool takeZoom(const PlotOptions& options, SimState& sim) {
     if (static_cast<int>(stretches.size()) > sim.nDim)
         return fault("--zoom", options.zoom, "a list of at most " + std::to_string(sim.nDim) + " numbers");
     for (std::size_t k = 0; k < stretches.size(); ++k) {
-        const std::optional<double> stretch = numberIn(stretches[k]);
+        const std::optional<double> stretch = finiteNumber(stretches[k]);
         if (!stretch || !(*stretch > 0)) return fault("--zoom", options.zoom, "a list of numbers above 0, such as 1,2");
         sim.zoom[static_cast<std::int64_t>(k) + 1] = static_cast<float>(*stretch);
     }
@@ -196,7 +191,7 @@ bool takeZoom(const PlotOptions& options, SimState& sim) {
 
 bool takeSize(const PlotOptions& options, Form& window) {
     if (options.size.empty()) return true;
-    const std::vector<std::string> sides = parts(lowered(options.size), 'x');
+    const std::vector<std::string> sides = parts(lowerCase(options.size), 'x');
     const std::optional<int> width = sides.size() == 2 ? wholeIn(sides[0], 150, largestPicture) : std::nullopt;
     const std::optional<int> height = sides.size() == 2 ? wholeIn(sides[1], 60, largestPicture) : std::nullopt;
     if (!width || !height)

@@ -1,8 +1,8 @@
 #pragma once
 // The plot window.
 
+#include "drawing/image_surface.h"
 #include "frontends/desktop/form_window.h"
-#include "frontends/image/image_surface.h"
 
 #include <QImage>
 #include <memory>

@@ -1,6 +1,6 @@
 #include "frontends/script/script_front_end.h"
 
-#include "frontends/image/image_surface.h"
+#include "drawing/image_surface.h"
 #include "frontends/script/record_hands.h"
 #include "frontends/script/surface_trace.h"
 #include "platform/files.h"

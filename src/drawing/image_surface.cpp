@@ -1,6 +1,7 @@
-#include "frontends/image/image_surface.h"
+#include "drawing/image_surface.h"
 
-#include "frontends/image/picture_file.h"
+#include "drawing/picture_file.h"
+#include "platform/letter_case.h"
 
 #include <cairo-pdf.h>
 #include <cairo-svg.h>
@@ -271,13 +272,7 @@ std::optional<PictureFormat> pictureFormat(const std::string& fileName) {
     constexpr std::string_view endings[] = {".bmp", ".png", ".svg", ".pdf"};
     for (int k = 0; k < 4; ++k) {
         const std::string_view ending = endings[k];
-        const auto same = [](char wanted, char given) {
-            return wanted == (given >= 'A' && given <= 'Z' ? static_cast<char>(given - 'A' + 'a') : given);
-        };
-        if (fileName.size() > ending.size()
-            && std::equal(ending.begin(), ending.end(), fileName.end() - static_cast<std::ptrdiff_t>(ending.size()),
-                          same))
-            return static_cast<PictureFormat>(k);
+        if (fileName.size() > ending.size() && endsLike(fileName, ending)) return static_cast<PictureFormat>(k);
     }
     return {};
 }

@@ -1,4 +1,4 @@
-#include "frontends/image/picture_file.h"
+#include "drawing/picture_file.h"
 
 #include <cstdint>
 #include <exception>

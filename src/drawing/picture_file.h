@@ -1,7 +1,7 @@
 #pragma once
 // Files of pictures.
 
-#include "frontends/image/image_surface.h"
+#include "drawing/image_surface.h"
 
 #include <string>
 
