@@ -1,10 +1,13 @@
 // A build makes the model that the texts of the table describe.
 
 #include "geometry/cell_keywords.h"
+#include "geometry/model_build.h"
 #include "support/test_program.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <sstream>
 
 namespace norvane {
 namespace {
@@ -166,6 +169,37 @@ TEST(build, derivesPositionsVolumesAndCoefficients) {
     EXPECT_EQ(test.sim.friction[3], 0.5f);
     test.program.operations.buildModel(test.sim);
     EXPECT_EQ(test.sim.friction[3], 0.5f) << "the factor must not pile up";
+}
+
+/// "source KEY cell.component = value from cell @ row,column+place" of each assignment of a build.
+std::vector<std::string> tracedBuild(const std::string& text) {
+    constexpr const char* sources[] = {"defaults", "text", "spread", "rowEnd", "wholeCell", "closedTwice"};
+    TestProgram test;
+    test.load(text);
+    std::vector<std::string> lines;
+    buildModel(test.sim, test.ui, [&](const Assignment& made) {
+        std::ostringstream line;
+        line << sources[static_cast<int>(made.source)] << ' ' << made.key->letters << ' ' << made.cell << '.'
+             << made.component << " = " << made.value << " from " << made.origin << " @ " << made.row << ','
+             << made.column << '+' << made.at;
+        lines.push_back(line.str());
+    });
+    return lines;
+}
+
+TEST(build, tellsWhereEachValueComesFrom) {
+    const auto lines = tracedBuild("TT 310:GG 2;-9\tDD 0;0.5:WV 7;1\nL\t\nDD -1;0.2: tt 280\tHH 2;3\n"
+                                   "WV 0;-1\tWV 2;2 CC 9;1\nL\t");
+    EXPECT_THAT(lines, ElementsAre("defaults TT 0.0 = 310 from 0 @ 1,1+0", "defaults GG 0.2 = -9 from 0 @ 1,1+7",
+                                   "defaults DD 0.1 = 0.5 from 0 @ 1,2+0", "defaults DD 0.2 = 0.5 from 0 @ 1,2+0",
+                                   "rowEnd WV 2.1 = 1 from 0 @ 0,0+0", "rowEnd WV 4.1 = 1 from 0 @ 0,0+0",
+                                   "rowEnd WV 3.2 = 1 from 0 @ 0,0+0", "rowEnd WV 4.2 = 1 from 0 @ 0,0+0",
+                                   "text DD 1.1 = 0.2 from 1 @ 3,1+0", "text TT 1.0 = 280 from 1 @ 3,1+11",
+                                   "text HH 2.0 = 3 from 2 @ 3,2+0", "spread DD 3.1 = 0.2 from 1 @ 0,0+0",
+                                   "text WV 3.0 = -1 from 3 @ 4,1+0", "text WV 4.2 = 2 from 4 @ 4,2+0",
+                                   "spread HH 1.0 = 3 from 2 @ 0,0+0", "wholeCell WV 3.1 = -1 from 3 @ 0,0+0",
+                                   "wholeCell WV 3.2 = -1 from 3 @ 0,0+0", "closedTwice WV 2.2 = 1 from 4 @ 0,0+0",
+                                   "closedTwice WV 4.2 = 1 from 4 @ 0,0+0"));
 }
 
 } // namespace
