@@ -10,8 +10,17 @@ namespace norvane {
 
 namespace {
 
-/// The cell of the log: zero-based coordinates 4, 16, 16 where the grid reaches so far, else limited to the last cell
-/// of each dimension. Gives 0 when the grid has no cells.
+std::string logName(const SimState& sim) { return sim.baseName + "_log"; }
+
+void reportFault(SimState& sim, const RunEvents& events, const FileResult& written) {
+    if (written || sim.reported.log) return;
+    sim.reported.log = true;
+    events.showMessage("The log file " + logName(sim) + " can't be written: " + written.reason
+                       + ".\r\nThe run goes on without it.");
+}
+
+} // namespace
+
 std::int32_t logCell(const SimState& sim) {
     if (sim.nCells < 1) return 0;
     constexpr std::int64_t place[] = {4, 16, 16};
@@ -25,17 +34,6 @@ std::int32_t logCell(const SimState& sim) {
     const bool literalExists = sim.nDim >= 3 && literal <= sim.nCells;
     return static_cast<std::int32_t>(literalExists ? literal : limited);
 }
-
-std::string logName(const SimState& sim) { return sim.baseName + "_log"; }
-
-void reportFault(SimState& sim, const RunEvents& events, const FileResult& written) {
-    if (written || sim.reported.log) return;
-    sim.reported.log = true;
-    events.showMessage("The log file " + logName(sim) + " can't be written: " + written.reason
-                       + ".\r\nThe run goes on without it.");
-}
-
-} // namespace
 
 void startLog(SimState& sim, const RunEvents& events) {
     if (sim.logEvery <= 0) return;

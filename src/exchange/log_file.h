@@ -7,6 +7,10 @@
 
 namespace norvane {
 
+/// The cell of the log: zero-based coordinates 4, 16, 16 where the grid reaches so far, else limited to the last cell
+/// of each dimension. Gives 0 when the grid has no cells.
+std::int32_t logCell(const SimState& sim);
+
 /// Empties the log of an earlier run, creating the file if need be. A fault is reported once for a run.
 void startLog(SimState& sim, const RunEvents& events);
 

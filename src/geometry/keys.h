@@ -35,6 +35,14 @@ enum class KeyIndex : std::uint8_t {
     parameter,       ///< 1 to 1000
 };
 
+/// The values that make sense; the readers take all.
+enum class KeyRange : std::uint8_t {
+    any,
+    positive,
+    notNegative,
+    fraction, ///< 0 to 1
+};
+
 /// The field that a key writes; none where a key is accepted without effect, or acts in a way of its own.
 using KeyTarget = std::variant<std::monostate,
                                float SimState::*,
@@ -55,6 +63,7 @@ struct Key {
     KeyTarget target;
     double start;   ///< value without the key, restored by every build; noStart: none
     bool isDisplay; ///< not read in a continuation, which keeps the settings of the panel
+    KeyRange range;
     std::string_view unit;
     std::string_view meaning;
 

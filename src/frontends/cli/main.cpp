@@ -2,6 +2,7 @@
 
 #include "core/quantities.h"
 #include "core/sim_state.h"
+#include "frontends/cli/check_command.h"
 #include "frontends/cli/exit_status.h"
 #include "frontends/cli/nearest.h"
 #include "frontends/cli/plot_command.h"
@@ -44,6 +45,10 @@ constexpr const char* plotHelp = "Draw a picture of a geometry, as it starts or 
 
 constexpr const char* spectrumHelp = "Write the velocity spectrum of a geometry into the file NV_spectrum beside it:\n"
                                      "a row for each random wave vector, with its length and the power found there.";
+
+constexpr const char* checkHelp =
+    "Look at geometries as a careful colleague would: texts that do not do what they seem to, cells that cannot,\n"
+    "and a time step that is too large. Each finding names the cell of the spreadsheet. Writes no file.";
 
 constexpr const char* scriptHelp =
     "Drive the whole program without a window: the commands of FILE are a person's clicks,\n"
@@ -127,6 +132,16 @@ CLI::App* addSpectrum(CLI::App& app, SpectrumOptions& options) {
     return spectrum;
 }
 
+CLI::App* addCheck(CLI::App& app, CheckOptions& options) {
+    CLI::App* check = app.add_subcommand("check", checkHelp);
+    check->add_option("GEOMETRY", options.geometries, "the geometries (*.gmt)")->required();
+    check->add_option("--format", options.format, "text or json")->check(CLI::IsMember({"text", "json"}));
+    check->add_flag("--strict", options.strict, "exit status 3 for warnings, too");
+    check->add_flag("--suggest", options.suggest, "print a time step to write");
+    check->footer("Exit status: 0 no error, 2 bad use, 3 a geometry has an error (or with --strict a warning).");
+    return check;
+}
+
 std::string withNearest(std::string text, const std::string& given, const std::vector<std::string>& words) {
     const std::string nearest = nearestWord(given, words);
     return nearest.empty() ? text : text + " Did you mean \"" + nearest + "\"?";
@@ -188,6 +203,8 @@ int runCommandLine(int argc, char** argv) {
     const CLI::App* plot = addPlot(app, plotOptions);
     SpectrumOptions spectrumOptions;
     const CLI::App* spectrum = addSpectrum(app, spectrumOptions);
+    CheckOptions checkOptions;
+    const CLI::App* check = addCheck(app, checkOptions);
     std::string scriptPath;
     bool trace = false;
     CLI::App* script = app.add_subcommand("script", scriptHelp);
@@ -210,6 +227,7 @@ int runCommandLine(int argc, char** argv) {
     if (*run) return runGeometry(runOptions);
     if (*plot) return plotGeometry(plotOptions);
     if (*spectrum) return writeSpectrumOf(spectrumOptions);
+    if (*check) return checkGeometries(checkOptions);
     return runScript(scriptPath, trace, putsAnywhere);
 }
 

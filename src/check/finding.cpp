@@ -1,0 +1,47 @@
+#include "check/finding.h"
+
+#include <algorithm>
+#include <tuple>
+#include <utility>
+
+namespace norvane {
+
+void Findings::add(Finding finding) {
+    if (finding.severity == Severity::warning) ++warnings;
+    if (finding.severity == Severity::error) ++errors;
+    const auto [same, isNew] =
+        places_.insert({std::string(finding.rule) + '\0' + finding.item + '\0' + finding.text, list.size()});
+    if (!isNew) {
+        if (same->second >= list.size()) return; // one that was not kept
+        Finding& first = list[same->second];
+        first.count += 1;
+        if (first.also.size() < keptPlaces) first.also.push_back(finding.place);
+        return;
+    }
+    if (++countOfRule[finding.rule] <= keptOfRule)
+        list.push_back(std::move(finding));
+    else
+        places_.erase(same); // or a table of nothing but faults would fill the memory
+}
+
+void sortByPlace(Findings& findings) {
+    std::stable_sort(findings.list.begin(), findings.list.end(), [](const Finding& a, const Finding& b) {
+        return std::tie(a.place.row, a.place.column) < std::tie(b.place.row, b.place.column);
+    });
+}
+
+std::string columnLetters(std::int64_t column) {
+    std::string letters;
+    for (; column > 0; column = (column - 1) / 26) letters += static_cast<char>('A' + (column - 1) % 26);
+    std::reverse(letters.begin(), letters.end());
+    return letters;
+}
+
+std::string spreadsheetAddress(const TablePlace& place) {
+    if (place.row > 0 && place.column > 0) return columnLetters(place.column) + std::to_string(place.row);
+    if (place.row > 0) return "row " + std::to_string(place.row);
+    if (place.column > 0) return "column " + columnLetters(place.column);
+    return {};
+}
+
+} // namespace norvane

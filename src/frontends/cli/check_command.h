@@ -1,0 +1,25 @@
+#pragma once
+
+#include "check/checkup.h"
+#include "frontends/cli/exit_status.h"
+
+#include <string>
+#include <vector>
+
+namespace norvane {
+
+struct CheckOptions {
+    std::vector<std::string> geometries;
+    std::string format = "text"; ///< or "json"
+    bool strict = false;         ///< warnings count as errors
+    bool suggest = false;        ///< print a time step to write
+};
+
+/// Prints what is odd about geometries, and what they are. Gives exitDone, or exitNoModel where one has an error, or
+/// with `strict` a warning.
+ExitStatus checkGeometries(const CheckOptions& options);
+
+/// "plate.gmt:D17: warning: "TT 3oo": ..." without a line end.
+std::string findingLine(const std::string& geometry, const Finding& finding);
+
+} // namespace norvane
