@@ -7,6 +7,7 @@
 #include "frontends/cli/nearest.h"
 #include "frontends/cli/plot_command.h"
 #include "frontends/cli/run_command.h"
+#include "frontends/cli/show_command.h"
 #include "frontends/cli/spectrum_command.h"
 #include "frontends/script/script_front_end.h"
 #include "platform/files.h"
@@ -49,6 +50,12 @@ constexpr const char* spectrumHelp = "Write the velocity spectrum of a geometry 
 constexpr const char* checkHelp =
     "Look at geometries as a careful colleague would: texts that do not do what they seem to, cells that cannot,\n"
     "and a time step that is too large. Each finding names the cell of the spreadsheet. Writes no file.";
+
+constexpr const char* showHelp =
+    "Show what the program makes of a drawing: the settings of the run, or with an address all values of that cell,\n"
+    "each with where it comes from.";
+
+constexpr const char* diffHelp = "Compare two drawings value by value, not by their text.";
 
 constexpr const char* scriptHelp =
     "Drive the whole program without a window: the commands of FILE are a person's clicks,\n"
@@ -142,6 +149,24 @@ CLI::App* addCheck(CLI::App& app, CheckOptions& options) {
     return check;
 }
 
+CLI::App* addShow(CLI::App& app, ShowOptions& options) {
+    CLI::App* show = app.add_subcommand("show", showHelp);
+    addGeometry(show, options.geometry);
+    show->add_option("ADDRESS", options.address, "a cell of the spreadsheet, such as C7");
+    show->add_option("--key", options.key, "one key of all cells as a table in the shape of the drawing, such as LA");
+    show->add_option("--component", options.component, "of that key: the dimension, or the species from 0");
+    show->footer(lookStatusHelp);
+    return show;
+}
+
+CLI::App* addDiff(CLI::App& app, std::string& before, std::string& after) {
+    CLI::App* diff = app.add_subcommand("diff", diffHelp);
+    diff->add_option("BEFORE", before, "a geometry")->required();
+    diff->add_option("AFTER", after, "another one")->required();
+    diff->footer("Exit status: 0 nothing differs, 1 something does, 2 bad use, 3 a geometry cannot be used.");
+    return diff;
+}
+
 std::string withNearest(std::string text, const std::string& given, const std::vector<std::string>& words) {
     const std::string nearest = nearestWord(given, words);
     return nearest.empty() ? text : text + " Did you mean \"" + nearest + "\"?";
@@ -205,6 +230,11 @@ int runCommandLine(int argc, char** argv) {
     const CLI::App* spectrum = addSpectrum(app, spectrumOptions);
     CheckOptions checkOptions;
     const CLI::App* check = addCheck(app, checkOptions);
+    ShowOptions showOptions;
+    const CLI::App* show = addShow(app, showOptions);
+    std::string before;
+    std::string after;
+    const CLI::App* diff = addDiff(app, before, after);
     std::string scriptPath;
     bool trace = false;
     CLI::App* script = app.add_subcommand("script", scriptHelp);
@@ -228,6 +258,8 @@ int runCommandLine(int argc, char** argv) {
     if (*plot) return plotGeometry(plotOptions);
     if (*spectrum) return writeSpectrumOf(spectrumOptions);
     if (*check) return checkGeometries(checkOptions);
+    if (*show) return showGeometry(showOptions);
+    if (*diff) return diffGeometries(before, after);
     return runScript(scriptPath, trace, putsAnywhere);
 }
 

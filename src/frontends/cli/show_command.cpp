@@ -1,0 +1,131 @@
+#include "frontends/cli/show_command.h"
+
+#include "check/listing.h"
+#include "check/table_rules.h"
+#include "core/addressing.h"
+#include "core/number_text.h"
+#include "frontends/cli/console.h"
+#include "platform/terminal_text.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+
+namespace norvane {
+
+namespace {
+
+/// Differences of cells that are printed one by one.
+constexpr std::size_t mostDifferences = 200;
+
+bool loads(const std::string& path, std::int32_t cell, TracedModel& model) {
+    const std::string fault = buildTraced(path, cell, model);
+    if (fault.empty()) return true;
+    std::fprintf(stderr, "%s: %s\n", printableName(path).c_str(), printable(fault, true).c_str());
+    return false;
+}
+
+void print(const std::vector<ListedValue>& values) {
+    std::size_t width = 0;
+    for (const ListedValue& value : values) width = std::max(width, value.value.size() + value.unit.size() + 1);
+    for (const ListedValue& value : values) {
+        const std::string number = value.value + " " + value.unit;
+        std::printf("  %-6s %-*s  %s; %s\n", value.name.c_str(), static_cast<int>(width), number.c_str(),
+                    value.origin.c_str(), value.meaning.c_str());
+    }
+}
+
+void printCell(const TracedModel& model, std::int32_t cell) {
+    const SimState& sim = model.sim;
+    std::string place;
+    std::string metres;
+    for (int dim = 1; dim <= sim.nDim; ++dim) {
+        const char* const comma = dim > 1 ? ", " : "";
+        place += comma + std::to_string(static_cast<int>(cellCoordinate(sim, cell, dim)));
+        metres += comma + generalText(sim.cellPos(cell, dim)) + " to "
+                  + generalText(static_cast<float>(double(sim.cellPos(cell, dim)) + double(sim.cellSize(cell, dim))));
+    }
+    std::printf("%s: cell %d, coordinates %s, %s m\n", spreadsheetAddress(placeOf(sim, cell)).c_str(), cell,
+                place.c_str(), metres.c_str());
+    print(listCell(model, cell));
+}
+
+/// The key of these letters among those that count in cells; null, after a message: none.
+const Key* cellKey(std::string letters) {
+    std::string known;
+    for (char& c : letters) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    for (const Key& key : allKeys()) {
+        if ((key.scope & inCells) == 0 || std::holds_alternative<std::monostate>(key.target)) continue;
+        if (key.letters == letters) return &key;
+        known += " " + std::string(key.letters);
+    }
+    std::fprintf(stderr, "--key: \"%s\" is no key of cells; these are%s\n", printableName(letters).c_str(),
+                 known.c_str());
+    return nullptr;
+}
+
+ExitStatus showKey(const ShowOptions& options, const SimState& sim) {
+    const Key* const key = cellKey(options.key);
+    if (key == nullptr) return exitBadUse;
+    const std::vector<int> components = componentsOf(sim, *key);
+    const int component = options.component < 0 ? components.front() : options.component;
+    if (std::find(components.begin(), components.end(), component) == components.end()) {
+        std::fprintf(stderr, "--component: %s has %d to %d\n", options.key.c_str(), components.front(),
+                     components.back());
+        return exitBadUse;
+    }
+    std::fputs(fieldTable(sim, *key, component).c_str(), stdout);
+    return exitDone;
+}
+
+bool hasSameShape(const SimState& a, const SimState& b) {
+    if (a.nDim != b.nDim || a.nsMax != b.nsMax || a.gridCols != b.gridCols || a.layerRows != b.layerRows) return false;
+    for (int dim = 1; dim <= a.nDim; ++dim)
+        if (a.cellCount[dim] != b.cellCount[dim]) return false;
+    return true;
+}
+
+} // namespace
+
+ExitStatus showGeometry(const ShowOptions& options) {
+    TracedModel model;
+    if (!loads(options.geometry, 0, model)) return exitNoModel;
+    if (!options.key.empty()) return showKey(options, model.sim);
+    if (options.address.empty()) {
+        std::printf("%s: %s\n", printableName(options.geometry).c_str(), describedGrid(model.sim).c_str());
+        print(listSettings(model));
+        return exitDone;
+    }
+    const std::int32_t cell = cellOfAddress(model.sim, options.address);
+    if (cell == 0) {
+        std::fprintf(stderr, "\"%s\" is no cell of the drawing; the first one is %s, the last one %s\n",
+                     printableName(options.address).c_str(), spreadsheetAddress(placeOf(model.sim, 1)).c_str(),
+                     spreadsheetAddress(placeOf(model.sim, model.sim.nCells)).c_str());
+        return exitBadUse;
+    }
+    TracedModel traced;
+    if (!loads(options.geometry, cell, traced)) return exitNoModel;
+    printCell(traced, cell);
+    return exitDone;
+}
+
+ExitStatus diffGeometries(const std::string& before, const std::string& after) {
+    TracedModel a;
+    TracedModel b;
+    if (!loads(before, 0, a) || !loads(after, 0, b)) return exitNoModel;
+    if (!hasSameShape(a.sim, b.sim)) {
+        std::printf("shape: %s -> %s\n", describedGrid(a.sim).c_str(), describedGrid(b.sim).c_str());
+        return exitEndedByModel;
+    }
+    const std::vector<Difference> found = differences(a.sim, b.sim);
+    std::size_t printed = 0;
+    for (const Difference& each : found) {
+        if (++printed > mostDifferences) continue;
+        const std::string where = each.cell > 0 ? spreadsheetAddress(placeOf(b.sim, each.cell)) + ": " : "";
+        std::printf("%s%s %s -> %s\n", where.c_str(), each.name.c_str(), each.before.c_str(), each.after.c_str());
+    }
+    if (printed > mostDifferences) std::printf("... and %zu more values\n", printed - mostDifferences);
+    return found.empty() ? exitDone : exitEndedByModel;
+}
+
+} // namespace norvane

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "frontends/cli/exit_status.h"
+
+#include <string>
+
+namespace norvane {
+
+struct ShowOptions {
+    std::string geometry;
+    std::string address; ///< of a cell; empty: the settings of the run
+    std::string key;     ///< one field of all cells; empty: none
+    int component = -1;  ///< of it; -1: the first
+};
+
+/// Prints what the build makes of a table: of a cell, of a key, or the settings.
+ExitStatus showGeometry(const ShowOptions& options);
+
+/// Prints what differs between two geometries, by cell and value. Gives exitEndedByModel (1) where anything does.
+ExitStatus diffGeometries(const std::string& before, const std::string& after);
+
+} // namespace norvane
