@@ -2,6 +2,7 @@
 
 #include "check/model_rules.h"
 #include "core/number_text.h"
+#include "frontends/cli/json_text.h"
 #include "platform/terminal_text.h"
 
 #include <algorithm>
@@ -104,31 +105,13 @@ void printText(const std::string& geometry, const Checkup& checkup, const CheckO
     if (checkup.summary.cells > 0) printSummary(checkup, options.suggest);
 }
 
-std::string jsonText(const std::string& text) {
-    std::string json = "\"";
-    for (const char c : text) {
-        if (c == '"' || c == '\\') json += '\\';
-        if (static_cast<unsigned char>(c) >= 0x20) {
-            json += c;
-            continue;
-        }
-        char code[8];
-        std::snprintf(code, sizeof code, "\\u%04x", static_cast<unsigned>(c));
-        json += code;
-    }
-    return json + "\"";
-}
-
 std::string jsonFinding(const Finding& finding) {
     return std::string("{\"severity\": \"") + severityText(finding.severity) + "\", \"rule\": \"" + finding.rule
-           + "\", \"address\": " + jsonText(spreadsheetAddress(finding.place))
+           + "\", \"address\": " + jsonString(spreadsheetAddress(finding.place))
            + ", \"row\": " + std::to_string(finding.place.row) + ", \"column\": " + std::to_string(finding.place.column)
-           + ", \"count\": " + std::to_string(finding.count) + ", \"item\": " + jsonText(printableName(finding.item))
-           + ", \"text\": " + jsonText(printableName(finding.text)) + "}";
+           + ", \"count\": " + std::to_string(finding.count) + ", \"item\": " + jsonString(finding.item)
+           + ", \"text\": " + jsonString(finding.text) + "}";
 }
-
-/// A number of the JSON text, which knows no infinity.
-std::string jsonNumber(double value) { return std::isfinite(value) ? number(value) : "null"; }
 
 std::string jsonSummary(const ModelSummary& summary) {
     std::vector<std::string> shape;
@@ -148,8 +131,8 @@ std::string jsonSummary(const ModelSummary& summary) {
 std::string jsonOf(const std::string& geometry, const Checkup& checkup) {
     std::vector<std::string> findings;
     for (const Finding& finding : checkup.findings.list) findings.push_back("    " + jsonFinding(finding));
-    return "  {\"geometry\": " + jsonText(printableName(geometry)) + ", \"errors\": "
-           + std::to_string(checkup.findings.errors) + ", \"warnings\": " + std::to_string(checkup.findings.warnings)
+    return "  {\"geometry\": " + jsonString(geometry) + ", \"errors\": " + std::to_string(checkup.findings.errors)
+           + ", \"warnings\": " + std::to_string(checkup.findings.warnings)
            + ",\n   \"summary\": " + jsonSummary(checkup.summary) + ",\n   \"findings\": ["
            + (findings.empty() ? "" : "\n") + joined(findings, ",\n") + "]}";
 }

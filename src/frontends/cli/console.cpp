@@ -1,5 +1,6 @@
 #include "frontends/cli/console.h"
 
+#include "check/run_watch.h"
 #include "exchange/state_file.h"
 #include "geometry/grid_file.h"
 #include "geometry/model_build.h"
@@ -41,6 +42,9 @@ void show(Console& console, const Report& report) {
     if (endsSeries(console.series, report)) closeSeries(console);
     if (!countMessage(console.series, report)) return;
     print(console, withNameOnOneLine(console, report.text));
+    const SimState& sim = console.program.sim;
+    if (report.kind == ReportKind::negativeDensity && report.place >= 1 && report.place <= sim.nCells)
+        print(console, describedPoint(sim, static_cast<std::int32_t>(report.place)));
     if (!report.detail.empty()) print(console, printableName(report.detail));
 }
 

@@ -30,9 +30,9 @@ namespace {
 constexpr const char* runStatusHelp =
     "Exit status:\n"
     "  0  the run reached its stop step\n"
-    "  1  the model ended the run (negative density)\n"
+    "  1  the model ended the run (negative density, or a value that no gas has)\n"
     "  2  bad use of the command line\n"
-    "  3  the geometry cannot be run\n"
+    "  3  the geometry cannot be run, or a check refuses it\n"
     "  4  a file cannot be read or written\n"
     "  5  stopped early, by a signal or by the value 1 in the file checkstop\n\n"
     "Ctrl-C finishes the step in hand and ends the run in order; a second Ctrl-C ends it at once.";
@@ -88,6 +88,9 @@ CLI::App* addRun(CLI::App& app, RunOptions& options) {
     run->add_option("--movie", options.movie, "make a film of these pictures, such as m.mp4, with ffmpeg")
         ->type_name("FILE")
         ->needs("--snapshots");
+    run->add_flag("--strict", options.strict, "refuse a drawing that \"norvane check\" warns about");
+    run->add_flag("--force", options.force, "run a drawing that \"norvane check\" finds errors in");
+    run->add_option("--summary", options.summary, "write how the run ended as JSON")->type_name("FILE");
     run->footer(runStatusHelp);
     return run;
 }

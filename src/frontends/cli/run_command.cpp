@@ -9,6 +9,7 @@
 #include "frontends/cli/console.h"
 #include "frontends/cli/frames.h"
 #include "frontends/cli/progress.h"
+#include "frontends/cli/run_report.h"
 #include "platform/claim.h"
 #include "platform/files.h"
 #include "platform/terminal_text.h"
@@ -75,6 +76,9 @@ struct ConsoleRun {
     std::map<std::string, int> bitmaps; ///< names of the snapshots of key FT, with how many were written under each
     Claim files;                        ///< of this model
     Claim folder;                       ///< the working directory, for the stop file
+    Checkup checkup;
+    RunWatch watch;
+    std::int32_t firstStep = 0; ///< step count at the start
 };
 
 void say(ConsoleRun& run, const std::string& line) {
@@ -88,6 +92,8 @@ void say(ConsoleRun& run, const std::string& line) {
 void beginRun(ConsoleRun& run) {
     SimState& sim = run.console.program.sim;
     run.ran = true;
+    run.watch = {};
+    run.firstStep = sim.stepCount;
     if (run.options.plotEvery > 0) sim.updateEvery = run.options.plotEvery;
     if (run.options.frameEvery > 0) sim.frameEvery = run.options.frameEvery;
     run.progress.begin(sim);
@@ -109,6 +115,15 @@ void takeDrawnSnapshot(ConsoleRun& run, SimState& sim, Interface& ui) {
         return reason;
     };
     takeSnapshot(sim, ui, false);
+}
+
+/// Ends a run whose fields hold what no gas has; comes after the plot, so that it can be looked at.
+Output watchOf(ConsoleRun& run) {
+    return {
+        .name = "look at the fields", .every = &SimState::updateEvery, .atStop = true, .write = [&run](SimState& sim) {
+            run.watch.look(sim);
+            if (run.watch.bad.cell != 0) sim.stopFlag = true;
+        }};
 }
 
 void connectRun(ConsoleRun& run) {
@@ -161,8 +176,9 @@ void catchSignals() {
 
 bool saveAtEnd(ConsoleRun& run) {
     Program& program = run.console.program;
-    if (program.sim.outcome.negativeDensity) {
-        std::fprintf(stderr, "The state is not saved: it holds negative density.\n");
+    if (program.sim.outcome.negativeDensity || run.watch.bad.cell != 0) {
+        std::fprintf(stderr, "The state is not saved: it holds %s.\n",
+                     program.sim.outcome.negativeDensity ? "negative density" : "values that no gas has");
         return true;
     }
     const bool saved = saveState(program.sim, program.ui);
@@ -202,13 +218,63 @@ void reportEnd(ConsoleRun& run) {
     if (run.frames.missing > 1) std::fprintf(stderr, "%d pictures in all could not be written.\n", run.frames.missing);
     const std::string end =
         "Step " + std::to_string(sim.stepCount) + " after " + spanText(run.progress.seconds()) + ": ";
-    if (outcome.negativeDensity)
-        std::fprintf(stderr, "%sthe run ended by negative density. Try a smaller time step DT.\n", end.c_str());
-    else
-        say(run, end
-                     + (outcome.reachedStopStep ? "the run reached its stop step."
-                        : outcome.stopFile      ? "the run was stopped by the file checkstop."
-                                                : "the run was stopped by a signal."));
+    const BadValue& bad = run.watch.bad;
+    if (outcome.negativeDensity || bad.cell != 0) {
+        const std::string cause = outcome.negativeDensity
+                                      ? "the run ended by negative density."
+                                      : "the run ended, since the " + std::string(bad.quantity) + " of cell "
+                                            + addressOf(sim, bad.cell) + " (point " + std::to_string(bad.cell) + ") is "
+                                            + generalText(static_cast<float>(bad.value)) + ".";
+        const std::string hint = run.options.geometry.empty()
+                                     ? " Try a smaller time step DT."
+                                     : "\n" + failureHint(run.options.geometry, run.checkup, run.watch);
+        std::fprintf(stderr, "%s%s%s\n", end.c_str(), cause.c_str(), hint.c_str());
+        return;
+    }
+    say(run, end
+                 + (outcome.reachedStopStep ? "the run reached its stop step."
+                    : outcome.stopFile      ? "the run was stopped by the file checkstop."
+                                            : "the run was stopped by a signal."));
+}
+
+/// The files of the model that are there, the log and the state only where this run wrote them.
+std::vector<std::string> writtenFiles(const ConsoleRun& run) {
+    const SimState& sim = run.console.program.sim;
+    std::vector<std::string> files;
+    const auto add = [&](const std::string& name, bool isWritten) {
+        if (isWritten && stampOf(joinPath(sim.inputDir, name)).exists) files.push_back(name);
+    };
+    add(sim.outName, true);
+    add(sim.baseName + "_log", sim.logEvery > 0);
+    const std::int32_t steps = sim.stepCount - run.firstStep;
+    add(sim.baseName + "_state", run.options.save || (sim.saveEvery > 0 && steps >= sim.saveEvery));
+    for (const auto& [path, count] : run.bitmaps) files.push_back(nameOf(path));
+    if (!run.frames.paths.empty())
+        files.push_back(std::to_string(run.frames.paths.size()) + " pictures " + nameOf(run.frames.prefix) + "*.png");
+    return files;
+}
+
+const char* endName(const ConsoleRun& run) {
+    const RunOutcome& outcome = run.console.program.sim.outcome;
+    if (outcome.negativeDensity) return "negativeDensity";
+    if (run.watch.bad.cell != 0) return "badValue";
+    if (outcome.reachedStopStep) return "stopStep";
+    return outcome.stopFile ? "stopFile" : "signal";
+}
+
+/// The table at the end, and the summary; false: the summary can't be written.
+bool reportResult(ConsoleRun& run) {
+    const SimState& sim = run.console.program.sim;
+    const RunResult result{
+        sim,          run.watch,        run.progress.seconds(), std::int64_t{sim.stepCount} - run.firstStep,
+        endName(run), writtenFiles(run)};
+    for (const std::string& line : resultLines(result)) say(run, line);
+    if (run.options.summary.empty()) return true;
+    const FileResult written = writeFile(run.options.summary, resultJson(result));
+    if (!written)
+        std::fprintf(stderr, "The summary %s can't be written: %s\n", printableName(run.options.summary).c_str(),
+                     written.reason.c_str());
+    return static_cast<bool>(written);
 }
 
 /// Ends a run in order, and gives the status that says how it went.
@@ -217,8 +283,10 @@ int finish(ConsoleRun& run) {
     bool written = true;
     if (run.options.save) written = saveAtEnd(run) && written;
     if (!run.options.movie.empty()) written = makeMovieAtEnd(run) && written;
+    if (!run.options.geometry.empty())
+        written = reportResult(run) && written; // a batch start prints no more than it did
     const SimState& sim = run.console.program.sim;
-    if (sim.outcome.negativeDensity) return exitEndedByModel;
+    if (sim.outcome.negativeDensity || run.watch.bad.cell != 0) return exitEndedByModel;
     const ReportedFaults& reported = sim.reported;
     // Not the stop file: the results are whole without it.
     const bool missesOutput =
@@ -226,6 +294,24 @@ int finish(ConsoleRun& run) {
     if (!run.printed) std::fprintf(stderr, "norvane: not all could be printed\n");
     if (missesOutput || !written || run.frames.missing > 0 || !run.printed) return exitFileFault;
     return sim.outcome.reachedStopStep ? exitDone : exitStoppedEarly;
+}
+
+/// Looks at the drawing, and prints the first findings. Gives false where it is not to be run.
+bool isWorthARun(ConsoleRun& run) {
+    Program& program = run.console.program;
+    RunEvents silent; // the run builds the model again, and reports what there is to report
+    run.checkup = checkLoaded(program.sim, silent);
+    const Findings& findings = run.checkup.findings;
+    if (!run.options.quiet || findings.errors > 0 || run.options.strict)
+        for (const std::string& line : findingLines(run.options.geometry, findings))
+            std::fprintf(stderr, "%s\n", line.c_str());
+    if (findings.errors > 0 && !run.options.force) {
+        std::fprintf(stderr, "This drawing is not run; mend it, or run it all the same with --force.\n");
+        return false;
+    }
+    if (findings.warnings == 0 || !run.options.strict) return true;
+    std::fprintf(stderr, "This drawing is not run, since --strict refuses warnings.\n");
+    return false;
 }
 
 } // namespace
@@ -242,6 +328,8 @@ int runGeometry(const RunOptions& options) {
     const ExitStatus loaded = loadFor(run.console, options.geometry);
     if (loaded != exitDone) return loaded;
     if (wouldOverwrite(options.geometry, "checkstop")) return exitBadUse;
+    if (!isWorthARun(run)) return exitNoModel;
+    program.operations.outputs.push_back(watchOf(run));
     if (!claimFiles(run)) return exitFileFault;
     run.frames.prefix = absolutePath(program.sim.inputDir + "/" + program.sim.baseName + "_");
     if (options.radiation) importViewFactors(program.sim, program.ui);

@@ -16,6 +16,9 @@ struct RunOptions {
     int frameEvery = 0;     ///< steps between pictures; 0: none but those that the geometry asks for
     int threads = 0;        ///< 0: as suits the grid and the machine
     std::string movie;      ///< file of the film of the pictures; empty: none
+    bool force = false;     ///< runs a drawing that a check finds errors in
+    bool strict = false;    ///< refuses one that a check has warnings about
+    std::string summary;    ///< file of the result as JSON; empty: none
 };
 
 /// Loads a geometry and runs it to its end, as the button Recalc does; gives the exit status.

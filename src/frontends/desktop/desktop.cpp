@@ -1,5 +1,6 @@
 #include "frontends/desktop/desktop.h"
 
+#include "check/run_watch.h"
 #include "frontends/desktop/dialogs.h"
 #include "frontends/desktop/thread_setting.h"
 #include "frontends/desktop/window_places.h"
@@ -78,7 +79,11 @@ void Desktop::showBox(const std::string& text) {
 
 void Desktop::showReport(const Report& report) {
     if (endsSeries(series_, report)) closeReports();
-    if (countMessage(series_, report)) showBox(report.text);
+    if (!countMessage(series_, report)) return;
+    const SimState& sim = program_.sim;
+    const bool isOfCell = report.kind == ReportKind::negativeDensity && report.place >= 1 && report.place <= sim.nCells;
+    const auto cell = static_cast<std::int32_t>(report.place);
+    showBox(isOfCell ? report.text + "\r\n" + describedPoint(sim, cell) : report.text);
 }
 
 void Desktop::closeReports() {
