@@ -148,6 +148,7 @@ TEST(commandLine, writesThroughNoLinkOfAnotherUser) {
         for (const char* const arguments : {"run m.gmt", "spectrum m.gmt", "plot m.gmt -o x.png"})
             runProgram(arguments);
         EXPECT_NE(test.read("target"), "precious") << output << " through the user's own link";
+        std::filesystem::remove(output);
     }
 }
 
