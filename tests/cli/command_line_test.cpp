@@ -159,7 +159,7 @@ TEST(commandLine, waitsForNoPipe) {
         ASSERT_EQ(::mkfifo(name, 0600), 0);
     for (const char* const arguments : {"run m.gmt", "run m.gmt --recall", "run m.gmt --radiation", "spectrum m.gmt",
                                         "plot m.gmt -o x.bmp", "run p.gmt"}) {
-        const Outcome outcome = runProgram(arguments, "timeout 20");
+        const Outcome outcome = runProgram(arguments, "timeout -s KILL 10");
         EXPECT_EQ(outcome.status, 4) << arguments;
         EXPECT_THAT(outcome.out, HasSubstr("it is not a file")) << arguments;
     }
