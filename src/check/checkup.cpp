@@ -18,6 +18,7 @@ namespace norvane {
 namespace {
 
 constexpr std::size_t beginningBytes = 4096;
+constexpr std::size_t frameBytes = 16 << 20; ///< of a file that is no table, so much is searched for the reason
 
 std::string plainLine(const std::string& text) {
     std::string line;
@@ -126,7 +127,7 @@ Checkup checkGeometry(const std::string& path) {
     loadGeometry(sim, ui);
     if (sim.nCells > 0 && ofLoad.list.empty()) {
         checkup = checkLoaded(sim, ui);
-    } else if (readFile(path, bytes)) {
+    } else if (readBeginning(path, frameBytes, bytes)) {
         checkFrame(CellTextTable(toUtf8(std::move(bytes))), checkup.findings);
         if (ofLoad.list.empty())
             ofLoad.add({Severity::error, "no-cells", {}, "", "the grid has no cells; mend its layer marks"});

@@ -114,12 +114,12 @@ void takeTable(SimState& sim, const PairTable& table) {
     sim.sigmaRoot = std::pow(radiationConstant, 1.0 / 4.0);
 }
 
-/// Reads the file; of one that begins with no separator for longer than any number is, no more than that.
 FileResult readNumbers(const std::string& path, std::string& bytes) {
-    constexpr std::size_t longestItem = std::size_t{1} << 12;
-    const FileResult read = readBeginning(path, longestItem, bytes);
-    if (!read || bytes.size() < longestItem || wholeItems(bytes) == 0) return read;
-    return readFile(path, bytes);
+    constexpr ItemForm numbers{" \t,\r\n", std::size_t{1} << 12};
+    bool tooLong = false;
+    const FileResult read = readItems(path, numbers, bytes, tooLong);
+    if (tooLong) bytes += '#'; // what is there of the number must not be taken for one
+    return read;
 }
 
 /// Gives what is wrong with the file; empty when its table is in force.

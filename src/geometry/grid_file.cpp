@@ -54,13 +54,7 @@ void takeNames(SimState& sim, const Interface& ui) {
     sim.graphTitle = sim.baseName;
 }
 
-/// Whether a file begins with more than any cell's text: given up before all of it fills the memory.
-bool hasNoSeparator(const std::string& path) {
-    constexpr std::size_t longestText = std::size_t{1} << 20;
-    std::string beginning;
-    const FileResult read = readBeginning(path, longestText, beginning);
-    return read && beginning.size() == longestText && beginning.find_first_of("\t\r\n") == std::string::npos;
-}
+constexpr ItemForm cellTexts{"\t\r\n", std::size_t{1} << 20};
 
 /// Reads the file and takes its table. The new table is held back until all yields are over: a command that runs in one
 /// of them still finds the old grid whole.
@@ -70,11 +64,13 @@ bool readTable(Load& load) {
     if (sim.fileName.empty()) return fail(load, "Select a geometry file in the list first.");
     const std::string path = joinPath(sim.inputDir, sim.fileName);
     std::string bytes;
-    if (hasNoSeparator(path))
-        return fail(load, "The geometry file " + sim.fileName + " is no table: there is no tab and no line end in it."
-                              + lineEnd + "Save the table of the geometry as tab-separated text under this name.");
-    const FileResult read = readFile(path, bytes);
+    bool tooLong = false;
+    const FileResult read = readItems(path, cellTexts, bytes, tooLong);
     sim.reported.geometry = !read;
+    if (tooLong)
+        return fail(load, "The geometry file " + sim.fileName
+                              + " is no table: there is no tab and no line end in more than 1 MB of it." + lineEnd
+                              + "Save the table of the geometry as tab-separated text under this name.");
     if (!read) return fail(load, "The geometry file " + sim.fileName + " can't be read: " + read.reason + ".");
     CellTextTable table(toUtf8(std::move(bytes)));
     load.rowCount = table.rowCount();
@@ -220,10 +216,12 @@ bool createArrays(Load& load) {
         sim.runMode = modeGeometryRead;
         if (allocateState(sim)) return true;
     }
-    return failAt(load, load.rowCount,
-                  "the model of this table needs " + std::to_string(static_cast<std::int64_t>(needed / 1e6))
-                      + " MB of memory, and " + std::to_string(static_cast<std::int64_t>(memory / 1e6))
-                      + " MB are free. Draw a coarser grid, or take fewer species.");
+    const auto megabytes = [](double bytes) { return std::to_string(static_cast<std::int64_t>(bytes / 1e6)) + " MB"; };
+    return failAt(
+        load, load.rowCount,
+        "the model of this table needs " + megabytes(needed) + " of memory, and "
+            + (needed > memory ? megabytes(memory) + " are free." : "the system does not give them in one piece.")
+            + " Draw a coarser grid, or take fewer species.");
 }
 
 bool loadTable(Load& load) {

@@ -1,3 +1,4 @@
+#include "platform/available_memory.h"
 #include "platform/letter_case.h"
 #include "platform/open_file.h"
 
@@ -8,6 +9,7 @@
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
+#include <functional>
 #include <system_error>
 
 #ifndef _WIN32
@@ -32,6 +34,39 @@ FileResult writeThrough(const std::string& path, Access access, std::string_view
     errno = 0;
     if (std::fclose(file.release()) != 0) return failure(errno); // some file systems report a full disc only here
     return {};
+}
+
+/// Reads a file, piece by piece, while `goesOn` gives true for the latest piece.
+FileResult readWhile(const std::string& path,
+                     std::string& content,
+                     const std::function<bool(std::string_view piece)>& goesOn) try {
+    content.clear();
+    FileResult result;
+    const File file = openFile(path, Access::read, result);
+    if (!file) return result;
+    constexpr std::int64_t littleMemory = std::int64_t{1} << 22;
+    const std::int64_t size = lengthOf(file.get());
+    const double memory = size > littleMemory ? availableMemory() : 0;
+    if (memory > 0 && static_cast<double>(size) > memory) return failure(ENOMEM); // rather than that the system ends us
+    std::string piece(std::size_t{1} << 16, '\0');
+    errno = 0;
+    bool whole = seekTo(file.get(), 0);
+    for (std::size_t got = piece.size(); whole && got == piece.size();) {
+        whole = readAll(file.get(), piece.data(), piece.size(), got);
+        content.append(piece, 0, got);
+        if (!goesOn(std::string_view(piece).substr(0, got))) break;
+        // At once, but not for a file that is given up soon.
+        if (static_cast<std::int64_t>(content.size()) == littleMemory) content.reserve(static_cast<std::size_t>(size));
+    }
+    if (whole) return {};
+    result = failure(errno);
+    content = std::string();
+    return result;
+
+} catch (const std::exception&) { // no memory for so much
+
+    content = std::string();
+    return failure(ENOMEM);
 }
 
 } // namespace
@@ -77,31 +112,20 @@ std::string folderOf(const std::string& path) {
 
 std::string nameOf(const std::string& path) { return std::filesystem::path(path).filename().string(); }
 
-FileResult readFile(const std::string& path, std::string& content) try {
-    content.clear();
-    FileResult result;
-    const File file = openFile(path, Access::read, result);
-    if (!file) return result;
-    const std::int64_t size = lengthOf(file.get());
-    constexpr std::size_t blockSize = 1 << 16;
-    std::size_t length = 0;
-    content.resize(size < 0 ? blockSize : static_cast<std::size_t>(size) + 1);
-    errno = 0;
-    bool whole = seekTo(file.get(), 0);
-    while (whole) {
-        std::size_t got = 0;
-        whole = readAll(file.get(), content.data() + length, content.size() - length, got);
-        length += got;
-        if (length < content.size()) break;
-        content.resize(content.size() + content.size() / 2 + blockSize); // the file has grown
-    }
-    content.resize(whole ? length : 0);
-    return whole ? FileResult{} : failure(errno);
+FileResult readFile(const std::string& path, std::string& content) {
+    return readWhile(path, content, [](std::string_view) { return true; });
+}
 
-} catch (const std::exception&) { // no memory for so much
-
-    content = std::string();
-    return failure(ENOMEM);
+FileResult readItems(const std::string& path, const ItemForm& form, std::string& content, bool& tooLong) {
+    std::size_t length = 0; // behind the last separator
+    const auto goesOn = [&](std::string_view piece) {
+        const std::size_t last = piece.find_last_of(form.separators);
+        length = last == std::string_view::npos ? length + piece.size() : piece.size() - 1 - last;
+        return length <= form.longest;
+    };
+    const FileResult read = readWhile(path, content, goesOn);
+    tooLong = length > form.longest;
+    return read;
 }
 
 FileResult readBeginning(const std::string& path, std::size_t bytes, std::string& content) {

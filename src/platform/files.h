@@ -39,6 +39,16 @@ std::string programPath(const std::string& calledName);
 /// Reads all bytes of a file. On failure `content` is empty.
 FileResult readFile(const std::string& path, std::string& content);
 
+/// What a text consists of: items with separators between them.
+struct ItemForm {
+    std::string_view separators;
+    std::size_t longest = 0; ///< bytes of an item; what is much longer is something else
+};
+
+/// As readFile, for a text of items. `tooLong`: it was given up at an item that is far beyond the longest one, with
+/// which `content` ends: a file may be large without taking any room on its disc, and must not fill the memory.
+FileResult readItems(const std::string& path, const ItemForm& form, std::string& content, bool& tooLong);
+
 /// Reads at most so many bytes from the beginning of a file.
 FileResult readBeginning(const std::string& path, std::size_t bytes, std::string& content);
 

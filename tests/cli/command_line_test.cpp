@@ -6,11 +6,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
 #include <chrono>
+#include <filesystem>
 #include <thread>
 
 namespace norvane {
@@ -50,6 +53,7 @@ void end(pid_t process) {
 TEST(commandLine, blamesTheWrongWordAndNamesTheNearestOne) {
     TestProgram test;
     test.write("m.gmt", square(3, "DT 1E-5:NT -1"));
+    test.write("b.bmp", square(3, ""));
     const std::vector<std::array<std::string, 2>> cases = {
         {"rnu m.gmt", "\"rnu\" is no command. Did you mean \"run\"?"},
         {"m.gmt", "Did you mean \"norvane run m.gmt\"?"},
@@ -59,6 +63,8 @@ TEST(commandLine, blamesTheWrongWordAndNamesTheNearestOne) {
         {"plot m.gmt -o x.png --scale 5:1", "is not LOW:HIGH"},
         {"plot m.gmt -o x.png --quantity 6 --component 1", "a species of the table, 0 to 0"},
         {"run m.gmt --movie x.mp4 --snapshots 1", "ffmpeg is not installed"},
+        {"run m.gmt \"$(printf '\\033[2J')\"", "not expected: \\x1b[2J"},
+        {"plot b.bmp -o b.bmp", "b.bmp: this command writes a file of that name"},
     };
     for (const auto& [arguments, message] : cases) {
         const Outcome outcome = runProgram(arguments, "PATH=/none");
@@ -123,6 +129,60 @@ TEST(commandLine, keepsAStateThroughKillsAndLimits) {
     EXPECT_EQ(limited.status, 4);
     EXPECT_THAT(limited.out, HasSubstr("File too large.\nThe state in memory is unchanged; the file is as it was"));
     EXPECT_TRUE(test.read("m_state") == state) << "the file has changed";
+}
+
+TEST(commandLine, writesThroughNoLinkOfAnotherUser) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can give a link away";
+    TestProgram test;
+    test.write("m.gmt", square(3, "DT 1E-6:ST 1\tLT 1"));
+    for (const char* const output : {"m_out", "m_log", "m_state", "checkstop", "NV_spectrum", "x.png"}) {
+        test.write("target", "precious");
+        std::filesystem::remove(output);
+        std::filesystem::create_symlink("target", output);
+        ASSERT_EQ(::lchown(output, 65534, 65534), 0);
+        for (const char* const arguments : {"run m.gmt", "spectrum m.gmt", "plot m.gmt -o x.png"})
+            runProgram(arguments);
+        EXPECT_EQ(test.read("target"), "precious") << output;
+        EXPECT_TRUE(std::filesystem::is_symlink(output));
+        ASSERT_EQ(::lchown(output, ::geteuid(), ::getegid()), 0);
+        for (const char* const arguments : {"run m.gmt", "spectrum m.gmt", "plot m.gmt -o x.png"})
+            runProgram(arguments);
+        EXPECT_NE(test.read("target"), "precious") << output << " through the user's own link";
+        std::filesystem::remove(output);
+    }
+}
+
+TEST(commandLine, waitsForNoPipe) {
+    TestProgram test;
+    test.write("m.gmt", square(3, "DT 1E-6:ST 1:NT 3\tLT 1"));
+    for (const char* const name : {"m_out", "m_log", "m_state", "m_rad", "checkstop", "NV_spectrum", "x.bmp", "p.gmt"})
+        ASSERT_EQ(::mkfifo(name, 0600), 0);
+    for (const char* const arguments : {"run m.gmt", "run m.gmt --recall", "run m.gmt --radiation", "spectrum m.gmt",
+                                        "plot m.gmt -o x.bmp", "run p.gmt"}) {
+        const Outcome outcome = runProgram(arguments, "timeout -s KILL 10");
+        EXPECT_EQ(outcome.status, 4) << arguments;
+        EXPECT_THAT(outcome.out, HasSubstr("it is not a file")) << arguments;
+    }
+}
+
+TEST(commandLine, givesUpATextWithoutSeparatorsEarly) {
+    TestProgram test;
+    test.write("m.gmt", square(3, "DT 1E-6"));
+    test.write("t.gmt", square(3, "DT 1E-6"));
+    test.write("m_state", " 9 \r\n 0 \r\n 0 \r\n 0 \r\n");
+    test.write("m_rad", "1\r\n1\r\n1\r\n");
+    test.write("s.txt", "click NV_in.Command6\n");
+    for (const char* const name : {"t.gmt", "m_state", "m_rad", "s.txt"})
+        std::filesystem::resize_file(name, std::uintmax_t{1} << 30); // zeros that take no room on the disc
+    EXPECT_THAT(runProgram("run t.gmt").out, HasSubstr("no tab and no line end in more than 1 MB of it"));
+    EXPECT_THAT(runProgram("run m.gmt --recall").out, HasSubstr("m_state, line 5: a text that is no number"));
+    EXPECT_THAT(runProgram("run m.gmt --radiation").out, HasSubstr("m_rad, record 1 of 1, line 4: a text that is no"));
+    EXPECT_THAT(runProgram("script s.txt").out, HasSubstr("a line of it is longer than 64 MB"));
+
+    struct rusage usage {};
+
+    ::getrusage(RUSAGE_CHILDREN, &usage);
+    EXPECT_LT(usage.ru_maxrss, 500000) << "KB";
 }
 
 } // namespace

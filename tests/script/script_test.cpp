@@ -87,6 +87,10 @@ TEST(script, tellsTheLineOfAFaultAndEndsThere) {
     expectFault("put no/such/folder 1", "can't write \"no/such/folder\"");
     expectFault("put ../m.gmt L", "lies outside the working directory");
     EXPECT_EQ(runProgram("script none.txt").status, 2);
+    test.write("a\x1B\xC2\x9Bz.gmt", "");
+    EXPECT_EQ(runScriptText(test, "print NV_in.File1").out, "NV_in.File1:  of \"a\\x1b\\xc2\\x9bz.gmt\"\n");
+    test.write("s.txt", "print NV_in.Text1\nend");
+    EXPECT_EQ(runProgram("script s.txt > /dev/full").status, 2);
     test.write("s.txt", "put ../" + test.folder.filename().string() + ".txt 1");
     EXPECT_EQ(runProgram("script --allow-outside s.txt").status, 0);
     EXPECT_TRUE(std::filesystem::remove(test.folder.string() + ".txt"));

@@ -20,6 +20,7 @@
 #include <exception>
 #include <filesystem>
 #include <iostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -254,7 +255,10 @@ int runCommandLine(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& end) {
-        return app.exit(end) == 0 ? exitDone : exitBadUse;
+        std::ostringstream fault; // it may hold any argument
+        const int status = app.exit(end, std::cout, fault);
+        std::cerr << printable(fault.str(), true);
+        return status == 0 ? exitDone : exitBadUse;
     }
     plotOptions.hasTitle = plot->count("--title") > 0;
     if (*run) return runGeometry(runOptions);
@@ -269,7 +273,7 @@ int runCommandLine(int argc, char** argv) {
 /// A program file whose name ends in "_" starts in batch mode, with a geometry as its only argument.
 int runNamedForBatch(int argc, char** argv) {
     if (argc > 2) {
-        std::cerr << "usage: " << nameOf(argv[0]) << " [GEOMETRY]\n";
+        std::cerr << "usage: " << printableName(nameOf(argv[0])) << " [GEOMETRY]\n";
         return exitBadUse;
     }
     const std::string program = programPath(argv[0]);
@@ -289,7 +293,7 @@ int main(int argc, char** argv) {
     } catch (const std::bad_alloc&) {
         std::cerr << "norvane: out of memory\n";
     } catch (const std::exception& fault) {
-        std::cerr << "norvane: " << fault.what() << '\n';
+        std::cerr << "norvane: " << norvane::printable(fault.what(), true) << '\n';
     }
     return norvane::exitFileFault;
 }

@@ -220,6 +220,7 @@ int plotGeometry(const PlotOptions& options) {
         fault("--output", options.output, "a name that ends in .png, .svg, .pdf or .bmp");
         return exitBadUse;
     }
+    if (wouldOverwrite(options.geometry, options.output)) return exitBadUse;
     Console console;
     connectConsole(console);
     Program& program = console.program;

@@ -66,21 +66,22 @@ void SelectorView::wheelEvent(QWheelEvent* event) {
         event->ignore();
 }
 
+/// The keys come here and not to the text, to which the box hands them on past every filter.
+void SelectorView::keyPressEvent(QKeyEvent* event) {
+    const bool isLetter = !event->text().isEmpty() && event->text().at(0).isPrint();
+    const bool isCommand = (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0;
+    if (isLetter && !isCommand)
+        search(event->text());
+    else
+        QComboBox::keyPressEvent(event);
+}
+
 bool SelectorView::eventFilter(QObject* watched, QEvent* event) {
     // A click on the text opens the list, as it does on any selector that takes no typing. Not before the button is up:
     // the list would take its release for a choice.
     if (watched == lineEdit() && event->type() == QEvent::MouseButtonRelease) {
         showPopup();
         return true;
-    }
-    if (watched == lineEdit() && event->type() == QEvent::KeyPress) {
-        const auto* key = static_cast<const QKeyEvent*>(event);
-        const bool isLetter = !key->text().isEmpty() && key->text().at(0).isPrint();
-        const bool isCommand = (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0;
-        if (isLetter && !isCommand) {
-            search(key->text());
-            return true;
-        }
     }
     return QComboBox::eventFilter(watched, event);
 }

@@ -41,6 +41,12 @@ std::string listedEntries(const std::vector<std::string>& entries) {
 
 } // namespace
 
+bool allIsPrinted() {
+    if (std::ferror(stdout) == 0) return true;
+    std::fprintf(stderr, "script:0: not all could be printed\n");
+    return false;
+}
+
 void printLine(const std::string& line) {
     std::fwrite(line.data(), 1, line.size(), stdout);
     std::fputc('\n', stdout);
@@ -141,7 +147,7 @@ void ScriptDriver::execute(const ScriptLine& line) {
     } else if (command == "at") {
         awaitYield(line, rest);
     } else if (command == "end") {
-        std::_Exit(EXIT_SUCCESS);
+        std::_Exit(allIsPrinted() ? 0 : 2);
     } else {
         endWithFault(line, "there is no command \"" + command + "\"");
     }

@@ -65,6 +65,9 @@ private:
     std::vector<int> yieldsOfRuns_; ///< yields in the step in hand, of each run that is under way
 };
 
+/// Whether standard output took all lines. Says so where it did not.
+bool allIsPrinted();
+
 /// Prints a line on standard output, and flushes it.
 void printLine(const std::string& line);
 

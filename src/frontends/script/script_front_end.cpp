@@ -6,6 +6,7 @@
 #include "platform/files.h"
 #include "platform/terminal_text.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
@@ -25,7 +26,7 @@ void connectInterface(Interface& ui, ScriptDriver& driver) {
     };
     ui.endProgram = [] {
         printLine("ended");
-        std::exit(std::ferror(stdout) == 0 ? 0 : 2);
+        std::exit(allIsPrinted() ? 0 : 2);
     };
     ui.beep = [] { printLine("beep"); };
     ui.formShown = [](Form& form, bool wasVisible) {
@@ -40,7 +41,10 @@ bool readScript(const std::string& path, std::string& bytes) {
         bytes.assign(std::istreambuf_iterator<char>(std::cin), {});
         return true;
     }
-    const FileResult read = readFile(path, bytes);
+    constexpr ItemForm lines{"\n", std::size_t{1} << 26};
+    bool tooLong = false;
+    FileResult read = readItems(path, lines, bytes, tooLong);
+    if (tooLong) read = {EFBIG, "a line of it is longer than 64 MB"};
     if (!read)
         std::fprintf(stderr, "script:0: can't read \"%s\": %s\n", printableName(path).c_str(), read.reason.c_str());
     return static_cast<bool>(read);
@@ -60,9 +64,7 @@ int runScript(const std::string& path, bool trace, bool putsAnywhere) {
     const std::string folder = path == "-" ? absolutePath(".") : folderOf(path);
     startProgram(program, {folder, "norvane", {}});
     driver.run(bytes);
-    if (std::ferror(stdout) == 0) return 0;
-    std::fprintf(stderr, "script:0: not all could be printed\n");
-    return 2;
+    return allIsPrinted() ? 0 : 2;
 }
 
 } // namespace norvane

@@ -59,12 +59,16 @@ std::string unescaped(std::string_view text) {
 
 std::string escaped(std::string_view text) {
     std::string result;
-    for (const char c : text) {
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const char c = text[at];
         // A terminal must not take anything in a name for a command.
         const bool isControl =
             (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) && c != '\t' && c != '\r' && c != '\n';
-        if (isControl) {
-            result += printable({&c, 1}, false);
+        const std::string_view pair = text.substr(at, 2);
+        const bool isLongControl = pair >= "\xC2\x80" && pair < "\xC2\xA0"; // of UTF-8
+        if (isControl || isLongControl) {
+            result += printable(isControl ? pair.substr(0, 1) : pair, false);
+            at += isLongControl ? 1 : 0;
             continue;
         }
         switch (c) {
