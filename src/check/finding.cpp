@@ -30,18 +30,4 @@ void sortByPlace(Findings& findings) {
     });
 }
 
-std::string columnLetters(std::int64_t column) {
-    std::string letters;
-    for (; column > 0; column = (column - 1) / 26) letters += static_cast<char>('A' + (column - 1) % 26);
-    std::reverse(letters.begin(), letters.end());
-    return letters;
-}
-
-std::string spreadsheetAddress(const TablePlace& place) {
-    if (place.row > 0 && place.column > 0) return columnLetters(place.column) + std::to_string(place.row);
-    if (place.row > 0) return "row " + std::to_string(place.row);
-    if (place.column > 0) return "column " + columnLetters(place.column);
-    return {};
-}
-
 } // namespace norvane

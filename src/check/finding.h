@@ -1,6 +1,8 @@
 #pragma once
 // What a check has to say about a table: where, how grave, and what to do.
 
+#include "geometry/table_place.h"
+
 #include <cstdint>
 #include <map>
 #include <string>
@@ -12,12 +14,6 @@ enum class Severity : std::uint8_t {
     note,    ///< worth knowing
     warning, ///< probably not what was meant
     error,   ///< no run can come of it
-};
-
-/// A place of the table: rows and columns from 1; 0: the whole row, column or file.
-struct TablePlace {
-    std::int64_t row = 0;
-    std::int64_t column = 0;
 };
 
 struct Finding {
@@ -49,12 +45,5 @@ private:
 
 /// Sorts by row and column; what concerns the whole file comes first.
 void sortByPlace(Findings& findings);
-
-/// The address of a cell of the table in a spreadsheet: "D17"; of a whole row "row 17", of a column "column D"; empty
-/// for the file.
-std::string spreadsheetAddress(const TablePlace& place);
-
-/// "A" to "Z", "AA"... for columns from 1.
-std::string columnLetters(std::int64_t column);
 
 } // namespace norvane

@@ -1,6 +1,5 @@
 #include "check/listing.h"
 
-#include "check/table_rules.h"
 #include "core/cell_fields.h"
 #include "core/number_text.h"
 #include "geometry/grid_file.h"
@@ -9,7 +8,6 @@
 #include "platform/interface.h"
 
 #include <algorithm>
-#include <cctype>
 
 namespace norvane {
 
@@ -129,27 +127,6 @@ std::string buildTraced(const std::string& path, std::int32_t cell, TracedModel&
         if (made.cell == 0 || made.cell == cell) model.origins[{made.cell, made.key, made.component}] = made;
     });
     return {};
-}
-
-std::int32_t cellOfAddress(const SimState& sim, const std::string& address) {
-    std::int64_t column = 0;
-    std::size_t at = 0;
-    for (; at < address.size() && std::isalpha(static_cast<unsigned char>(address[at])) != 0 && column <= sim.gridCols;
-         ++at)
-        column = column * 26 + (std::toupper(static_cast<unsigned char>(address[at])) - 'A' + 1);
-    std::int64_t row = 0;
-    const bool hasRow = at < address.size();
-    for (; at < address.size() && std::isdigit(static_cast<unsigned char>(address[at])) != 0
-           && row <= sim.grid.rowCount();
-         ++at)
-        row = row * 10 + (address[at] - '0');
-    const bool isPlace = hasRow && at == address.size() && column >= 1 && column <= sim.gridCols
-                         && row > sim.firstLayerRow && row <= sim.grid.rowCount();
-    if (!isPlace || (row - sim.firstLayerRow) % sim.layerRows == 0) return 0;
-    const std::int64_t layer = (row - sim.firstLayerRow) / sim.layerRows;
-    const std::int64_t dataRow = layer * (sim.layerRows - 1) + (row - sim.firstLayerRow) % sim.layerRows - 1;
-    const std::int64_t cell = dataRow * sim.gridCols + column;
-    return cell <= sim.nCells ? static_cast<std::int32_t>(cell) : 0;
 }
 
 double valueOf(const SimState& sim, const Key& key, std::int32_t cell, int component) {

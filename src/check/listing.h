@@ -2,9 +2,9 @@
 // What a build makes of a table, value by value: of a cell, of one key over all cells, of the run; and what differs
 // between two tables.
 
-#include "check/finding.h"
 #include "core/sim_state.h"
 #include "geometry/build_trace.h"
+#include "geometry/table_place.h"
 #include "platform/run_events.h"
 
 #include <map>
@@ -33,9 +33,6 @@ struct TracedModel {
 /// Loads a geometry and builds its model, keeping the origins of the template, of scalars and of one cell (0: of no
 /// cell more). Gives an error in words, empty: none. Writes no file.
 std::string buildTraced(const std::string& path, std::int32_t cell, TracedModel& model);
-
-/// The cell of an address such as "C7", in either case; 0: the table has no cell there.
-std::int32_t cellOfAddress(const SimState& sim, const std::string& address);
 
 /// All keys that count in cells, with the values of a cell [1..nCells].
 std::vector<ListedValue> listCell(const TracedModel& model, std::int32_t cell);

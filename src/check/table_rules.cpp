@@ -241,11 +241,4 @@ void checkTexts(const SimState& sim, Findings& findings) {
     }
 }
 
-TablePlace placeOf(const SimState& sim, std::int32_t cell) {
-    const std::int64_t dataRow = (std::int64_t{cell} - 1) / sim.gridCols;
-    const std::int64_t rowsOfLayer = sim.layerRows - 1;
-    return {sim.firstLayerRow + dataRow / rowsOfLayer * sim.layerRows + dataRow % rowsOfLayer + 1,
-            (std::int64_t{cell} - 1) % sim.gridCols + 1};
-}
-
 } // namespace norvane

@@ -20,7 +20,4 @@ void checkFrame(const CellTextTable& table, Findings& findings);
 /// Adds what is odd about the texts of a loaded geometry: rows with defaults, cells, and closing L rows.
 void checkTexts(const SimState& sim, Findings& findings);
 
-/// The place in the table of a cell [1..nCells] of a loaded geometry.
-TablePlace placeOf(const SimState& sim, std::int32_t cell);
-
 } // namespace norvane

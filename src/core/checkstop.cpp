@@ -9,12 +9,10 @@ namespace norvane {
 
 namespace {
 
-constexpr const char* stopFileName = "checkstop";
-
-int readStopValue() {
+int readStopValue(const std::string& name) {
     constexpr std::size_t mostBytes = 64; // of a number and what separates it; anybody may have written anything
     std::string content;
-    if (!readBeginning(stopFileName, mostBytes, content)) return 0;
+    if (!readBeginning(name, mostBytes, content)) return 0;
     const std::size_t begin = content.find_first_not_of(" \t\r\n");
     if (begin == std::string::npos) return 0;
     const std::size_t end = std::min(content.find_first_of(" \t\r\n,", begin), content.size());
@@ -24,8 +22,8 @@ int readStopValue() {
     return length == item.size() ? toInt16(value) : 0;
 }
 
-int watchedStopValue(StopFileWatch& watch) {
-    const FileStamp stamp = stampOf(stopFileName);
+int watchedStopValue(const std::string& name, StopFileWatch& watch) {
+    const FileStamp stamp = stampOf(name);
     const auto now = StopFileWatch::Clock::now(); // behind the stamp and before the read
     const bool sameStamp = stamp == watch.stamp;
     if (sameStamp && watch.readAt - watch.stampMet > watch.settling && now - watch.readAt < watch.trusted)
@@ -33,7 +31,7 @@ int watchedStopValue(StopFileWatch& watch) {
     if (!sameStamp) watch.stampMet = now;
     watch.stamp = stamp;
     watch.readAt = now;
-    watch.value = stamp.exists ? readStopValue() : 0;
+    watch.value = stamp.exists ? readStopValue(name) : 0;
     return watch.value;
 }
 
@@ -41,15 +39,15 @@ int watchedStopValue(StopFileWatch& watch) {
 
 void clearCheckstop(SimState& sim, const RunEvents& events) {
     if (sim.onlyLooks) return; // it may belong to a run in the same folder
-    const FileResult written = writeFile(stopFileName, " 0 \r\n");
+    const FileResult written = writeFile(sim.stopFileName, " 0 \r\n");
     if (written || sim.reported.stopFile) return;
     sim.reported.stopFile = true;
-    events.showMessage("The file checkstop can't be written: " + written.reason
+    events.showMessage("The file " + sim.stopFileName + " can't be written: " + written.reason
                        + ".\r\nThe run goes on, but an outside process can't stop it through that file.");
 }
 
 void pollCheckstop(SimState& sim, const RunEvents& events, const RunOperations& operations, StopFileWatch& watch) {
-    if (watchedStopValue(watch) != 1) return;
+    if (watchedStopValue(sim.stopFileName, watch) != 1) return;
     if (operations.showExitQuestion) operations.showExitQuestion(sim);
     sim.stopFlag = true;
     sim.outcome.stopFile = true;

@@ -1,5 +1,6 @@
 #pragma once
-// The stop file: "checkstop" in the working directory holds 0, and an outside process ends a run by writing 1 into it.
+// The stop file, "checkstop" in the working directory unless a run has its own, holds 0, and an outside process ends a
+// run by writing 1 into it.
 
 #include "core/run_operations.h"
 #include "platform/files.h"

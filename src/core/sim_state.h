@@ -168,11 +168,12 @@ struct SimState {
     std::string graphTitle;
 
     // --- book-keeping of the loop --------------------------------------------------------------------------------
-    int threads = 0;            ///< of a run; 0: as suits the grid and the machine
-    std::uint64_t revision = 0; ///< raised by whatever writes fields besides the stages of a run
-    int runDepth = 0;           ///< runs that are under way, each suspended in a yield of the next
-    bool loading = false;       ///< a load is under way
-    bool onlyLooks = false;     ///< a program that draws or exports: the stop file is left as it is
+    int threads = 0;                        ///< of a run; 0: as suits the grid and the machine
+    std::uint64_t revision = 0;             ///< raised by whatever writes fields besides the stages of a run
+    int runDepth = 0;                       ///< runs that are under way, each suspended in a yield of the next
+    bool loading = false;                   ///< a load is under way
+    std::string stopFileName = "checkstop"; ///< in the working directory, or a path
+    bool onlyLooks = false;                 ///< a program that draws or exports: the stop file is left as it is
     RunOutcome outcome;
     ReportedFaults reported;
     RandomSequence spectrumRandom; ///< goes on from one spectrum to the next

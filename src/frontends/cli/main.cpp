@@ -91,6 +91,15 @@ CLI::App* addRun(CLI::App& app, RunOptions& options) {
         ->needs("--snapshots");
     run->add_flag("--strict", options.strict, "refuse a drawing that \"norvane check\" warns about");
     run->add_flag("--force", options.force, "run a drawing that \"norvane check\" finds errors in");
+    run->add_option("--set", options.changes,
+                    "change the drawing in memory: DT=2E-5, \"GG 2=9.81\", C7=\"TT 400\"; may be repeated")
+        ->type_name("CHANGE");
+    run->add_option("--time", options.time, "seconds to run, instead of the steps of key NT")
+        ->type_name("SECONDS")
+        ->check(CLI::PositiveNumber);
+    run->add_option("-o,--output", options.folder, "the folder of all outputs, made if missing")->type_name("DIR");
+    run->add_option("--name", options.name, "the name that all outputs begin with")->type_name("BASE");
+    run->add_option("--stop-file", options.stopFile, "a stop file of its own, instead of checkstop")->type_name("FILE");
     run->add_option("--summary", options.summary, "write how the run ended as JSON")->type_name("FILE");
     run->footer(runStatusHelp);
     return run;

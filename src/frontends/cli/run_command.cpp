@@ -10,6 +10,7 @@
 #include "frontends/cli/frames.h"
 #include "frontends/cli/progress.h"
 #include "frontends/cli/run_report.h"
+#include "geometry/table_edit.h"
 #include "platform/claim.h"
 #include "platform/files.h"
 #include "platform/terminal_text.h"
@@ -17,8 +18,10 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <cmath>
 #include <csignal>
 #include <cstdio>
+#include <filesystem>
 #include <map>
 
 #ifdef _WIN32
@@ -96,6 +99,8 @@ void beginRun(ConsoleRun& run) {
     run.firstStep = sim.stepCount;
     if (run.options.plotEvery > 0) sim.updateEvery = run.options.plotEvery;
     if (run.options.frameEvery > 0) sim.frameEvery = run.options.frameEvery;
+    if (run.options.time > 0 && sim.dt > 0)
+        sim.stopStep = toInt32(sim.stepCount + std::ceil(run.options.time / double(sim.dt) - 1e-6));
     run.progress.begin(sim);
     const std::int64_t steps = std::int64_t{sim.stopStep} - sim.stepCount;
     const std::string size = " of " + generalText(sim.dt) + " s";
@@ -156,12 +161,13 @@ bool claimFiles(ConsoleRun& run) {
                      processText(other).c_str(), printableName(sim.baseName).c_str());
         return false;
     }
-    run.folder = Claim::shared(".", "checkstop", other);
+    run.folder = Claim::shared(folderOf(absolutePath(sim.stopFileName)), nameOf(sim.stopFileName), other);
     if (other != 0)
         std::fprintf(stderr,
-                     "Another run%s has the same working directory, and so the same stop file checkstop:\n"
-                     "a 1 in it ends the one that reads it first, and only that.\n",
-                     processText(other).c_str());
+                     "Another run%s has the same working directory, and so the same stop file %s:\n"
+                     "a 1 in it ends the one that reads it first, and only that.\n"
+                     "--stop-file gives a run one of its own.\n",
+                     processText(other).c_str(), printableName(sim.stopFileName).c_str());
     return true;
 }
 
@@ -296,6 +302,46 @@ int finish(ConsoleRun& run) {
     return sim.outcome.reachedStopStep ? exitDone : exitStoppedEarly;
 }
 
+/// Takes --set and --stop-file. Gives false after a message.
+bool takeChanges(ConsoleRun& run) {
+    SimState& sim = run.console.program.sim;
+    if (!run.options.stopFile.empty()) sim.stopFileName = run.options.stopFile;
+    for (const std::string& change : run.options.changes) {
+        const std::string fault = applyChange(sim, change);
+        if (fault.empty()) continue;
+        std::fprintf(stderr, "--set %s: %s\n", printableName(change).c_str(), printableName(fault).c_str());
+        return false;
+    }
+    return true;
+}
+
+/// Takes -o and --name, which say where all outputs go. Gives false after a message.
+bool takeNames(ConsoleRun& run) {
+    SimState& sim = run.console.program.sim;
+    if (!run.options.name.empty()) {
+        if (run.options.name.find_first_of("/\\") != std::string::npos) {
+            std::fprintf(stderr, "--name: \"%s\" is no name without folders; -o names the folder\n",
+                         printableName(run.options.name).c_str());
+            return false;
+        }
+        sim.baseName = run.options.name;
+        sim.outName = sim.baseName + "_out";
+    }
+    if (!run.options.folder.empty()) {
+        std::error_code failed;
+        std::filesystem::create_directories(run.options.folder, failed);
+        if (!std::filesystem::is_directory(run.options.folder, failed)) {
+            std::fprintf(stderr, "-o: the folder %s can't be made: %s\n", printableName(run.options.folder).c_str(),
+                         failed.message().c_str());
+            return false;
+        }
+        sim.inputDir = absolutePath(run.options.folder);
+    }
+    for (const char* const ending : {"_out", "_log", "_state"})
+        if (wouldOverwrite(run.options.geometry, joinPath(sim.inputDir, sim.baseName + ending))) return false;
+    return true;
+}
+
 /// Looks at the drawing, and prints the first findings. Gives false where it is not to be run.
 bool isWorthARun(ConsoleRun& run) {
     Program& program = run.console.program;
@@ -327,13 +373,15 @@ int runGeometry(const RunOptions& options) {
     program.sim.threads = options.threads;
     const ExitStatus loaded = loadFor(run.console, options.geometry);
     if (loaded != exitDone) return loaded;
-    if (wouldOverwrite(options.geometry, "checkstop")) return exitBadUse;
+    if (!takeChanges(run)) return exitBadUse;
+    if (wouldOverwrite(options.geometry, program.sim.stopFileName)) return exitBadUse;
     if (!isWorthARun(run)) return exitNoModel;
     program.operations.outputs.push_back(watchOf(run));
-    if (!claimFiles(run)) return exitFileFault;
-    run.frames.prefix = absolutePath(program.sim.inputDir + "/" + program.sim.baseName + "_");
     if (options.radiation) importViewFactors(program.sim, program.ui);
     if (options.radiation && !program.sim.radActive) return exitFileFault; // reported by a message
+    if (!takeNames(run)) return exitBadUse;
+    if (!claimFiles(run)) return exitFileFault;
+    run.frames.prefix = absolutePath(program.sim.inputDir + "/" + program.sim.baseName + "_");
     catchSignals();
     if (options.recall) {
         if (!recallState(program.sim, program.ui)) return exitFileFault;
