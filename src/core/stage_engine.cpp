@@ -29,7 +29,7 @@ ConservedRows conservedRows(Slots& slots, int work, std::int64_t component, std:
 }
 
 void setCodes(
-    const SimState& sim, const StagePlan& plan, StageWorkspace& workspace, std::int64_t row, PreparedRows& p) {
+    const SimState& sim, const StagePlan& plan, StageWorkspace& workspace, std::int64_t row, PrimitiveRows& p) {
     const std::int64_t first = firstCell(plan, row);
     const RowTraits& traits = plan.rowTraits[row];
     if (traits.heldSpecies) p.speciesCode = &sim.wallPressure[first];
@@ -44,12 +44,12 @@ void setCodes(
     p.velocityCodes = workspace.velocityCodes.data();
 }
 
-PreparedRows preparedRows(SimState& sim, const StagePlan& plan, std::int64_t row, int stage) {
+PrimitiveRows preparedRows(SimState& sim, const StagePlan& plan, std::int64_t row, int stage) {
     const std::int64_t first = firstCell(plan, row);
-    PreparedRows p;
+    PrimitiveRows p;
     p.count = plan.rowCells;
     p.forming = stage == 0 ? Forming::none : stage == 1 ? Forming::completed : Forming::trial;
-    p.step = stage == 1 || stage == 4 ? double(sim.dt) : double(sim.dt) * 0.5;
+    p.increment = stage == 1 || stage == 4 ? double(sim.dt) : double(sim.dt) * 0.5;
     p.gasFactor = sim.gasFactor;
     p.densityFloor = sim.rhoFloor;
     p.species = conservedRows(sim.stageSpecies, sim.stageWork, 0, first, stage);
@@ -77,13 +77,13 @@ void noteFaultyCells(const SimState& sim, const StagePlan& plan, StageWorkspace&
 /// The work state of a stage [1..4], or 0: as it stands, and the primitives of a row.
 void prepareRow(SimState& sim, StagePlan& plan, StageWorkspace& workspace, int stage, std::int64_t row) {
     const std::int64_t first = firstCell(plan, row);
-    PreparedRows p = preparedRows(sim, plan, row, stage);
+    PrimitiveRows p = preparedRows(sim, plan, row, stage);
     setCodes(sim, plan, workspace, row, p);
     // Most rows have no code but the one that closes their end: what it keeps is put back.
     const std::int64_t last = first + plan.rowCells - 1;
     const float momentum = sim.stageMomentum(sim.stageWork, last, 1);
     const float velocity = sim.velocity(last, 1);
-    const bool dense = plan.kernels->prepare(p);
+    const bool dense = plan.kernels->recoverPrimitives(p);
     if (plan.rowTraits[row].closedEnd) {
         if (stage == 1) sim.stageMomentum(committedSlot, last, 1) = momentum;
         sim.stageMomentum(sim.stageWork, last, 1) = momentum;
@@ -132,7 +132,7 @@ bool isGated(const SlopeRow& r, int dim, std::int64_t row, std::int64_t rowStrid
 
 void openFaces(const SlopeRow& r, int dim, std::int64_t cell, int count, std::int64_t* open) {
     const SimState& sim = r.sim;
-    r.plan.kernels->openFaces(count, sim.cellStride[dim], open, sim.wallVelocity.component(dim) + cell,
+    r.plan.kernels->maskFaces(count, sim.cellStride[dim], open, sim.wallVelocity.component(dim) + cell,
                               sim.velocity.component(dim) + cell, &sim.density[cell], sim.rhoFloor);
 }
 
@@ -178,19 +178,20 @@ void setCarried(const SlopeRow& r, int dim, FaceRows& faces) {
 void addFacesInRow(const SlopeRow& r) {
     FaceRows faces;
     faces.count = r.plan.rowCells;
-    faces.stride = 1;
+    faces.toLower = -1;
+    faces.toUpper = 1;
     faces.startsSums = true;
     faces.firstWithLower = 1;
     faces.endWithUpper = faces.count - 1;
     if (isGated(r, 1, r.row, 0)) {
         std::int64_t* const open = r.gates(0) + 1;
         openFaces(r, 1, r.first, faces.count - 1, open);
-        faces.openLower = open - 1;
-        faces.openUpper = open;
+        faces.lowerMask = open - 1;
+        faces.upperMask = open;
     }
     setCoefficients(r, 1, faces, r.row, r.row);
     setCarried(r, 1, faces);
-    r.plan.kernels->addFaces(faces);
+    r.plan.kernels->addFaceTerms(faces);
 }
 
 /// The faces towards the rows below and above along a dimension from 2 on.
@@ -203,26 +204,27 @@ void addFacesAcross(const SlopeRow& r, int dim) {
     const bool hasUpper = place < sim.cellCount[dim] - 1;
     FaceRows faces;
     faces.count = r.plan.rowCells;
-    faces.stride = stride;
+    faces.toLower = hasLower ? -stride : 0;
+    faces.toUpper = hasUpper ? stride : 0;
     faces.firstWithLower = hasLower ? 0 : faces.count;
     faces.endWithUpper = hasUpper ? faces.count : 0;
     if ((hasLower && isGated(r, dim, r.row - rowStride, rowStride))
         || (hasUpper && isGated(r, dim, r.row, rowStride))) {
         if (hasLower) openFaces(r, dim, r.first - stride, faces.count, r.gates(0));
         if (hasUpper) openFaces(r, dim, r.first, faces.count, r.gates(1));
-        faces.openLower = r.gates(0);
-        faces.openUpper = r.gates(1);
+        faces.lowerMask = r.gates(0);
+        faces.upperMask = r.gates(1);
     }
     setCoefficients(r, dim, faces, hasLower ? r.row - rowStride : r.row, hasUpper ? r.row + rowStride : r.row);
     setCarried(r, dim, faces);
-    r.plan.kernels->addFaces(faces);
+    r.plan.kernels->addFaceTerms(faces);
 }
 
 void addDragAndGravity(const SlopeRow& r) {
     const SimState& sim = r.sim;
     const RowTraits& traits = r.plan.rowTraits[r.row];
     auto& momentumSlopes = r.sim.stageMomentum.slot(r.stage);
-    PullRows p;
+    CellForceRows p;
     p.count = r.plan.rowCells;
     p.slopes = {momentumSlopes.component(1) + r.first, momentumSlopes.componentStride(), sim.nDim};
     p.velocities = {sim.velocity.component(1) + r.first, sim.velocity.componentStride(), sim.nDim};
@@ -232,7 +234,7 @@ void addDragAndGravity(const SlopeRow& r) {
     p.held = traits.wholeCodes || traits.closedVelocity;
     p.velocityCodes = {sim.wallVelocity.component(1) + r.first, sim.wallVelocity.componentStride(), sim.nDim};
     p.wholeCode = sim.wallVelocity.component(0) + r.first;
-    r.plan.kernels->slowAndPull(p);
+    r.plan.kernels->addDragAndGravity(p);
     const int last = p.count - 1;
     if (!p.held && traits.closedEnd) // no terms but gravity
         p.slopes.first[last] = static_cast<float>(0.0 + double(sim.gravity[1]) * double(p.mass[last]));
@@ -371,11 +373,15 @@ void derivePrimitives(SimState& sim, const RunEvents& events, StagePlan& plan) {
     tellFaultyCells(sim, events, plan);
 }
 
+static bool isDense(const SimState& sim, const StagePlan& plan, std::int64_t row) {
+    const float* const first = &sim.density[firstCell(plan, row)];
+    return std::all_of(first, first + plan.rowCells, [&](float density) { return density > sim.rhoFloor; });
+}
+
 void computeSlopes(SimState& sim, StagePlan& plan, int stage) {
     // Whoever computes slopes alone may have set densities by hand.
     for (std::int64_t row = 0; row < plan.rows; ++row)
-        plan.thinRow[static_cast<std::size_t>(row)] =
-            plan.kernels->allAbove(plan.rowCells, &sim.density[firstCell(plan, row)], sim.rhoFloor) ? 0 : 1;
+        plan.thinRow[static_cast<std::size_t>(row)] = isDense(sim, plan, row) ? 0 : 1;
     const auto nothing = [](StageWorkspace&, std::int64_t) {};
     sweepRows(plan, nothing,
               [&](StageWorkspace& workspace, std::int64_t row) { computeSlopeRow(sim, plan, workspace, stage, row); });
