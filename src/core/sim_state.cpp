@@ -7,20 +7,20 @@ namespace norvane {
 
 namespace {
 
-/// Allocates arrays, each with a place of its own in the caches.
+/// Allocates arrays, each with a cache colour of its own.
 struct Allocator {
     const SimState& sim;
-    std::size_t place = 0;
+    std::size_t colour = 0;
 
     template <class T>
     void cells(Array<T>& array) {
-        array.allocate(0, sim.nCells, place++);
+        array.allocate(0, sim.nCells, colour++);
     }
 
     /// A CellTable or a StageTable with the components [first .. last].
     void components(auto& table, std::int64_t first, std::int64_t last) {
-        table.allocate(sim.nCells, first, last, place);
-        place += static_cast<std::size_t>(last - first + 1) * table.slots;
+        table.allocate(sim.nCells, first, last, colour);
+        colour += static_cast<std::size_t>(last - first + 1) * table.slots;
     }
 };
 
@@ -69,9 +69,9 @@ double stateBytes(int nDim, int nsMax, std::int64_t nCells) {
                            + 6.0 * nDim             // sizes, positions, areas, coefficients
                            + 10;                    // fields with one value a cell
     const double codes = nDim + 1 + 3;
-    const auto cells = static_cast<std::size_t>(nCells) + 1; // an array takes more than its values, for its place
-    return singles * static_cast<double>(ArrayPlace::distance(cells * sizeof(float)))
-           + codes * static_cast<double>(ArrayPlace::distance(cells * sizeof(std::int16_t)));
+    const auto cells = static_cast<std::size_t>(nCells) + 1; // an array takes more than its values, for its colour
+    return singles * static_cast<double>(CacheColour::distance(cells * sizeof(float)))
+           + codes * static_cast<double>(CacheColour::distance(cells * sizeof(std::int16_t)));
 }
 
 void clearGeometry(SimState& sim) {
