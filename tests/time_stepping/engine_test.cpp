@@ -2,6 +2,7 @@
 // everything in them: for every instruction set of this machine and for any number of threads.
 
 #include "core/processor_engine.h"
+#include "core/source_terms.h"
 #include "support/plain_stage.h"
 #include "support/remote_engine.h"
 #include "support/test_program.h"
@@ -10,7 +11,9 @@
 
 #include <algorithm>
 #include <bit>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <random>
 
 namespace norvane {
@@ -205,6 +208,16 @@ std::vector<std::uint64_t> fieldsOfRun(const MakeEngine& makeEngine) {
     test.click("NV_in.Command2");
     hashes.push_back(stateHash(test.sim));
     return hashes;
+}
+
+TEST(engine, hasAnEquationForEachTermOfCells) {
+    std::ifstream file(NORVANE_EXAMPLES "/../docs/equations.md", std::ios::binary);
+    const std::string equations{std::istreambuf_iterator<char>(file), {}};
+    std::size_t heading = 0; // they come in the order in which they are added
+    for (const CellTerm& term : cellTerms()) {
+        heading = equations.find(std::string(") ") + term.name + "\n", heading);
+        ASSERT_NE(heading, std::string::npos) << term.name;
+    }
 }
 
 TEST(engine, mayKeepTheFieldsElsewhere) {
