@@ -26,7 +26,7 @@ int readStopValue() {
 
 int watchedStopValue(StopFileWatch& watch) {
     const FileStamp stamp = stampOf(stopFileName);
-    const auto now = StopFileWatch::Clock::now(); // behind the stamp and before the read
+    const auto now = StopFileWatch::Clock::now(); // after the stamp and before the read
     const bool sameStamp = stamp == watch.stamp;
     if (sameStamp && watch.readAt - watch.stampMet > watch.settling && now - watch.readAt < watch.trusted)
         return watch.value;

@@ -9,7 +9,8 @@
 
 namespace norvane {
 
-/// Writes the value 0 into the stop file, which is created if need be. A fault is told once for a run, which goes on.
+/// Writes the value 0 into the stop file, which is created if need be. A fault is reported once for a run, which goes
+/// on.
 void clearCheckstop(SimState& sim, const RunEvents& events);
 
 /// The latest read of the stop file. It is not read again while its stamp stays, since a run polls it at every step;

@@ -1,8 +1,8 @@
 #pragma once
 // The arithmetic of a stage on whole rows of cells: loops over blocks of as many cells as a register holds. One set of
-// them is compiled for each instruction set; all give the same bits, those of the formulas cell by cell (docs/
-// equations.md): expressions in double from left to right, one rounding to float at each store and each accumulation.
-// Only a sum, a difference or a quotient of two floats is taken in float, which rounds to the same.
+// them is compiled for each instruction set; all give the same bits, those of docs/equations.md cell by cell:
+// expressions in double from left to right, one rounding to float at each store and each accumulation. Only a sum, a
+// difference or a quotient of two floats is taken in float, which rounds to the same.
 
 #include <cstdint>
 

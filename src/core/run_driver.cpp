@@ -16,8 +16,8 @@ namespace norvane {
 
 namespace {
 
-/// Whether an output that comes every `interval` steps is due; `remainder` tells at which step of the interval.
-/// In 64 bits, and with the sign of C++'s remainder: a negative interval acts as the schedule's formulas tell.
+/// Whether an output that comes every `interval` steps is due; `remainder` says at which step of the interval.
+/// In 64 bits, and with the sign of C++'s remainder: a negative interval acts as the formula of the schedule has it.
 bool isDue(const SimState& sim, std::int32_t interval, std::int64_t remainder) {
     if (interval == 0) return false; // switched off
     return (std::int64_t{sim.stepCount} - 1) % interval == remainder;
