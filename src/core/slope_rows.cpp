@@ -1,7 +1,6 @@
 #include "core/slope_rows.h"
 
 #include "core/exact_arithmetic.h"
-#include "core/source_terms.h"
 
 namespace norvane {
 
@@ -134,10 +133,10 @@ void addDragAndGravity(const SlopeRow& r) {
 }
 
 void addCellTerms(const SlopeRow& r) {
-    const auto first = static_cast<std::int32_t>(r.first);
-    std::uint32_t acting = r.plan.termsOfRow[r.row];
-    for (const CellTerm* term = cellTerms().data(); acting != 0; ++term, acting >>= 1)
-        if ((acting & 1) != 0) term->addToRow(r.sim, r.stage, first, first + r.plan.rowCells - 1);
+    for (std::int64_t k = r.plan.termsOfRow[r.row]; k < r.plan.termsOfRow[r.row + 1]; ++k) {
+        const TermRun& run = r.plan.termRuns[k];
+        run.term->add(r.sim, r.stage, run.first, run.end);
+    }
 }
 
 } // namespace

@@ -5,7 +5,6 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <iterator>
 
 namespace norvane {
 
@@ -61,21 +60,19 @@ void addSpeciesExchange(SimState& sim, int stage, std::int32_t cell) {
 namespace {
 
 template <auto acts>
-bool actsInRow(const SimState& sim, std::int32_t first, std::int32_t last) {
-    for (std::int32_t cell = first; cell <= last; ++cell)
-        if (acts(sim, cell)) return true;
-    return false;
+std::int32_t find(const SimState& sim, bool acting, std::int32_t first, std::int32_t end) {
+    while (first < end && acts(sim, first) != acting) ++first;
+    return first;
 }
 
-template <auto acts, auto add>
-void addToRow(SimState& sim, int stage, std::int32_t first, std::int32_t last) {
-    for (std::int32_t cell = first; cell <= last; ++cell)
-        if (acts(sim, cell)) add(sim, stage, cell);
+template <auto add>
+void addToCells(SimState& sim, int stage, std::int32_t first, std::int32_t end) {
+    for (std::int32_t cell = first; cell < end; ++cell) add(sim, stage, cell);
 }
 
 template <auto acts, auto add>
 constexpr CellTerm term(const char* name) {
-    return {name, actsInRow<acts>, addToRow<acts, add>};
+    return {name, find<acts>, addToCells<add>};
 }
 
 // A sink takes away what all terms before it have brought: forces on the momentum stand above it.
@@ -83,7 +80,6 @@ constexpr CellTerm terms[] = {
     term<hasSink, addSink>("Sink of a pressure-held cell"),
     term<hasExchange, addSpeciesExchange>("Exchange of species 0 and 1"),
 };
-static_assert(std::size(terms) <= 32, "StagePlan::termsOfRow has a bit for each");
 
 } // namespace
 

@@ -9,14 +9,18 @@
 
 namespace norvane {
 
-/// A term of cells [first .. last], all in one row. Rows in which it acts nowhere are left out of it.
+/// A term of cells, which is planned only where it acts.
 struct CellTerm {
     const char* name; ///< its heading in docs/equations.md
-    bool (*actsInRow)(const SimState& sim, std::int32_t first, std::int32_t last);
-    void (*addToRow)(SimState& sim, int stage, std::int32_t first, std::int32_t last);
+
+    /// The first of the cells [first .. end - 1] in which it acts, or does not; `end` where there is none.
+    std::int32_t (*find)(const SimState& sim, bool acting, std::int32_t first, std::int32_t end);
+
+    /// Adds it in the cells [first .. end - 1] of a row, in all of which it acts.
+    void (*add)(SimState& sim, int stage, std::int32_t first, std::int32_t end);
 };
 
-/// In the order in which they are added, at most 32.
+/// In the order in which they are added.
 std::span<const CellTerm> cellTerms();
 
 /// (9) The balance of a pressure-held cell (wallPressure below 0): what the faces bring in leaves again, and what they

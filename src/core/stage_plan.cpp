@@ -1,7 +1,6 @@
 #include "core/stage_plan.h"
 
 #include "core/addressing.h"
-#include "core/source_terms.h"
 #include "core/wall_codes.h"
 
 #include <algorithm>
@@ -45,15 +44,17 @@ bool hasImposedValue(const SimState& sim, std::int64_t cell) {
     return imposed;
 }
 
-/// Bit k: term k of cellTerms() acts in some cell [first .. last].
-std::uint32_t termsActingIn(const SimState& sim, std::int64_t first, std::int64_t last) {
-    std::uint32_t acting = 0;
-    std::uint32_t bit = 1;
+/// The runs of the cells [first .. end - 1], which are a row.
+void planTerms(const SimState& sim, StagePlan& plan, std::int32_t first, std::int32_t end) {
     for (const CellTerm& term : cellTerms()) {
-        if (term.actsInRow(sim, static_cast<std::int32_t>(first), static_cast<std::int32_t>(last))) acting |= bit;
-        bit <<= 1;
+        std::int32_t runEnd = first;
+        for (;;) {
+            const std::int32_t runFirst = term.find(sim, true, runEnd, end);
+            if (runFirst == end) break;
+            runEnd = term.find(sim, false, runFirst, end);
+            plan.termRuns.push_back({&term, runFirst, runEnd});
+        }
     }
-    return acting;
 }
 
 void planRow(const SimState& sim, StagePlan& plan, std::int64_t row) {
@@ -70,7 +71,8 @@ void planRow(const SimState& sim, StagePlan& plan, std::int64_t row) {
         if (hasImposedValue(sim, cell)) plan.imposedCells.push_back(static_cast<std::int32_t>(cell));
     }
     plan.imposedOfRow[row + 1] = static_cast<std::int64_t>(plan.imposedCells.size());
-    plan.termsOfRow[row] = termsActingIn(sim, first, last);
+    planTerms(sim, plan, static_cast<std::int32_t>(first), static_cast<std::int32_t>(last) + 1);
+    plan.termsOfRow[row + 1] = static_cast<std::int64_t>(plan.termRuns.size());
 }
 
 /// `cells`: cell 0 of the coefficient.
@@ -121,7 +123,8 @@ void layOutPlanes(const SimState& sim, StagePlan& plan) {
 bool mayRest(const SimState& sim, const StagePlan& plan, std::int64_t row) {
     const RowTraits& traits = plan.rowTraits[row];
     bool free = !traits.heldSpecies && !traits.heldEnergy && !traits.heldConcentration
-                && plan.imposedOfRow[row] == plan.imposedOfRow[row + 1] && plan.termsOfRow[row] == 0;
+                && plan.imposedOfRow[row] == plan.imposedOfRow[row + 1]
+                && plan.termsOfRow[row] == plan.termsOfRow[row + 1];
     for (int dim = 1; dim <= sim.nDim; ++dim) free = free && !plan.dimensionTraits[row * sim.nDim + dim - 1].held;
     return free;
 }
@@ -166,7 +169,7 @@ StagePlan planRows(const SimState& sim, int threads, const RowKernels& kernels) 
     plan.rowTraits.resize(static_cast<std::size_t>(plan.rows));
     plan.dimensionTraits.resize(static_cast<std::size_t>(plan.rows * sim.nDim));
     plan.imposedOfRow.resize(static_cast<std::size_t>(plan.rows + 1));
-    plan.termsOfRow.resize(static_cast<std::size_t>(plan.rows));
+    plan.termsOfRow.resize(static_cast<std::size_t>(plan.rows + 1));
     plan.thinRow.resize(static_cast<std::size_t>(plan.rows));
     for (std::int64_t row = 0; row < plan.rows; ++row) planRow(sim, plan, row);
     plan.volume = planCoefficient(plan, &sim.cellVolume[0]);

@@ -3,6 +3,7 @@
 
 #include "core/row_kernels.h"
 #include "core/sim_state.h"
+#include "core/source_terms.h"
 #include "core/thread_team.h"
 
 #include <cstdint>
@@ -56,6 +57,13 @@ struct RestingRows {
     bool enabled = true;                  ///< false: every row is computed, to measure what resting saves
 };
 
+/// Neighbouring cells [first .. end - 1] of a row in which a term acts.
+struct TermRun {
+    const CellTerm* term;
+    std::int32_t first;
+    std::int32_t end;
+};
+
 /// Buffers of one thread's own.
 struct StageWorkspace {
     std::vector<const std::int16_t*> velocityCodes; ///< of the row in hand, for each component; null: nothing is held
@@ -79,7 +87,8 @@ struct StagePlan {
     std::vector<DimensionTraits> dimensionTraits; ///< [rows * nDim]
     std::vector<std::int32_t> imposedCells;       ///< cells with a negative wall code, ascending
     std::vector<std::int64_t> imposedOfRow;       ///< [rows + 1] where the cells of a row begin in imposedCells
-    std::vector<std::uint32_t> termsOfRow;        ///< [rows] bit k: term k of cellTerms() acts in some cell
+    std::vector<TermRun> termRuns;                ///< of all rows, within a row in the order of the terms
+    std::vector<std::int64_t> termsOfRow;         ///< [rows + 1] where those of a row begin in termRuns
     Coefficient volume;
     Coefficient capacity;
     Coefficient friction;
