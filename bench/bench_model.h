@@ -1,6 +1,7 @@
 #pragma once
 // Models for measurements.
 
+#include "core/stage_engine.h"
 #include "geometry/grid_file.h"
 #include "geometry/model_build.h"
 
@@ -35,6 +36,8 @@ public:
 private:
     std::filesystem::path formerDirectory_ = std::filesystem::current_path();
 };
+
+inline void ignoreFault(const StageFault&) {}
 
 /// Loads and builds the table "bench.gmt" of a folder, without the message about the cells.
 inline void loadAndBuild(SimState& sim, Interface& ui, const BenchFolder& folder) {

@@ -1,7 +1,7 @@
 // Speed of the stages of a run: the plain evaluation, the engine on one thread and on two, in turn on the same model.
 
 #include "bench_model.h"
-#include "core/stage_engine.h"
+#include "core/processor_engine.h"
 #include "support/plain_stage.h"
 
 #include <benchmark/benchmark.h>
@@ -49,7 +49,7 @@ void plainStep(BenchModel& model) {
 }
 
 void engineStep(BenchModel& model, StagePlan& plan) {
-    for (int stage = 1; stage <= 4; ++stage) runStage(model.sim, model.ui, plan, stage);
+    for (int stage = 1; stage <= 4; ++stage) runStage(model.sim, plan, stage, ignoreFault);
 }
 
 /// Cells times steps a second.
@@ -117,7 +117,7 @@ void leaveOutRestingRows(benchmark::State& state) {
     StagePlan restless = planStages(other, 1);
     restless.resting.enabled = false;
     const auto step = [&](SimState& sim, StagePlan& plan) {
-        for (int stage = 1; stage <= 4; ++stage) runStage(sim, model.ui, plan, stage);
+        for (int stage = 1; stage <= 4; ++stage) runStage(sim, plan, stage, ignoreFault);
     };
     for (int k = 0; k < 10; ++k) step(model.sim, resting);
     for (int k = 0; k < 10; ++k) step(other, restless);

@@ -1,8 +1,8 @@
 // What a run takes beside the stages of its steps: yields, log lines, the poll of the stop file and the schedule.
 
 #include "bench_model.h"
+#include "core/processor_engine.h"
 #include "core/run_driver.h"
-#include "core/stage_engine.h"
 
 #include <benchmark/benchmark.h>
 
@@ -26,7 +26,7 @@ using Seconds = std::chrono::duration<double>;
 double secondsOfStages(BenchModel& model, StagePlan& plan) {
     const Clock::time_point begin = Clock::now();
     for (int step = 0; step < blockSteps; ++step)
-        for (int stage = 1; stage <= 4; ++stage) runStage(model.sim, model.ui, plan, stage);
+        for (int stage = 1; stage <= 4; ++stage) runStage(model.sim, plan, stage, ignoreFault);
     model.sim.revision += 1; // for the run, which has not written these fields itself
     return Seconds(Clock::now() - begin).count();
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/exact_arithmetic.h"
+
 namespace norvane {
 
 /// Adds to a field: one read, one addition in double, one rounding.

@@ -41,7 +41,7 @@ class RowWalker {
 public:
     RowWalker(std::string_view row, std::int64_t columns) : rest_(row), left_(columns) {}
 
-    /// The text of the next column; empty behind the end of the row. In the header, since a load of millions of cells
+    /// The text of the next column; empty after the end of the row. In the header, since a load of millions of cells
     /// asks for each.
     std::string_view next() {
         if (left_ <= 0) return {};

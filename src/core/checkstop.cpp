@@ -24,7 +24,7 @@ int readStopValue(const std::string& name) {
 
 int watchedStopValue(const std::string& name, StopFileWatch& watch) {
     const FileStamp stamp = stampOf(name);
-    const auto now = StopFileWatch::Clock::now(); // behind the stamp and before the read
+    const auto now = StopFileWatch::Clock::now(); // after the stamp and before the read
     const bool sameStamp = stamp == watch.stamp;
     if (sameStamp && watch.readAt - watch.stampMet > watch.settling && now - watch.readAt < watch.trusted)
         return watch.value;

@@ -17,7 +17,7 @@ struct Digits {
     int exponent = 0;
 };
 
-/// The digits of any magnitude but 0, rounded to `count` of them as its exact value tells, halves to even.
+/// The digits of any magnitude but 0, rounded to `count` of them by its exact value, halves to even.
 template <class T>
 void roundToDigits(T magnitude, int count, Digits& digits) {
     const auto written = std::to_chars(digits.text, digits.text + sizeof digits.text, magnitude,
@@ -141,7 +141,7 @@ void appendInFrame(std::string& text, T value, int digits) {
     text += ' ';
 }
 
-/// Reads the digits of text[from..] and gives the position behind them.
+/// Reads the digits of text[from..] and gives the position after them.
 std::size_t skipDigits(std::string_view text, std::size_t from) {
     while (from < text.size() && isDigit(text[from])) ++from;
     return from;

@@ -1,42 +1,12 @@
 #include "core/primitive_update.h"
 
-#include "core/stage_engine.h"
+#include "core/processor_engine.h"
 
 namespace norvane {
 
-namespace {
-
-/// The mass flow of an imposed velocity is velocityInit at the template's density, whatever the density of the cell is.
-float imposedVelocity(const SimState& sim, std::int32_t cell, int dim) {
-    const double init = sim.velocityInit(cell, dim);
-    const double reference = sim.density[0];
-    const double density = sim.density[cell];
-    if (sim.wallVelocity(cell, dim) != -2) return static_cast<float>(init * reference / density);
-    double ramp = double(sim.stepCount) / double(sim.rampSteps);
-    if (ramp > 1) ramp = 1;
-    return static_cast<float>(ramp * init * reference / density);
-}
-
-} // namespace
-
-void imposeHeldValues(SimState& sim, std::int32_t cell) {
-    const int work = sim.stageWork;
-    const double mass = sim.cellMass[cell];
-    for (int species = 0; sim.wallConcentration[cell] < 0 && species <= sim.nsMax; ++species)
-        sim.stageSpecies(work, species, cell) = static_cast<float>(double(sim.concentration(cell, species)) * mass);
-    if (sim.wallTemperature[cell] < 0)
-        sim.stageEnergy(work, cell) =
-            static_cast<float>(double(sim.heatCapacity[cell]) * mass * double(sim.temperature[cell]));
-    for (int dim = 1; dim <= sim.nDim; ++dim) {
-        if (sim.wallVelocity(cell, dim) >= 0) continue;
-        sim.velocity(cell, dim) = imposedVelocity(sim, cell, dim);
-        sim.stageMomentum(work, cell, dim) = static_cast<float>(double(sim.velocity(cell, dim)) * mass);
-    }
-}
-
 void updatePrimitives(SimState& sim, const RunEvents& events) {
     StagePlan plan = planPrimitives(sim);
-    derivePrimitives(sim, events, plan);
+    derivePrimitives(sim, plan, [&](const StageFault& fault) { reportFault(sim, events, fault); });
 }
 
 } // namespace norvane

@@ -17,7 +17,4 @@ namespace norvane {
 /// computed all the same. Divisions by zero pass on as infinities and NaNs. Throws std::bad_alloc.
 void updatePrimitives(SimState& sim, const RunEvents& events);
 
-/// The part of it for the negative wall codes of one cell, whose mass, density and free primitives stand.
-void imposeHeldValues(SimState& sim, std::int32_t cell);
-
 } // namespace norvane

@@ -1,8 +1,5 @@
 #include "core/resting_rows.h"
 
-#include "core/addressing.h"
-#include "core/stage_plan.h"
-
 #include <algorithm>
 #include <bit>
 
@@ -12,25 +9,13 @@ namespace {
 
 constexpr std::uint8_t allStages = 0b11110;
 
-bool mayRest(const SimState& sim, const StagePlan& plan, std::int64_t row) {
-    const RowTraits& traits = plan.rowTraits[row];
-    bool free = !traits.heldSpecies && !traits.heldEnergy && !traits.heldConcentration
-                && plan.imposedOfRow[row] == plan.imposedOfRow[row + 1]
-                && plan.sourcesOfRow[row] == plan.sourcesOfRow[row + 1];
-    for (int dim = 1; dim <= sim.nDim; ++dim) free = free && !plan.dimensionTraits[row * sim.nDim + dim - 1].held;
-    return free;
-}
-
 /// Whether a row and its neighbours stand as in the stage before.
 bool isNeighbourhoodUnchanged(const SimState& sim, const StagePlan& plan, std::int64_t row) {
-    const RestingRows& resting = plan.resting;
-    if (resting.unchanged[row] == 0) return false;
-    const std::int64_t first = firstCell(plan, row);
+    const std::vector<std::uint8_t>& unchanged = plan.resting.unchanged;
+    if (unchanged[row] == 0) return false;
     for (int dim = 2; dim <= sim.nDim; ++dim) {
-        const std::int64_t rowStride = sim.cellStride[dim] / plan.rowCells;
-        const double place = cellCoordinate(sim, static_cast<std::int32_t>(first), dim);
-        if (place > 0 && resting.unchanged[row - rowStride] == 0) return false;
-        if (place < sim.cellCount[dim] - 1 && resting.unchanged[row + rowStride] == 0) return false;
+        const NeighbourRows neighbours = neighbourRows(sim, plan, row, dim);
+        if (unchanged[neighbours.below] == 0 || unchanged[neighbours.above] == 0) return false;
     }
     return true;
 }
@@ -51,40 +36,30 @@ bool hasZeroSlopes(const SimState& sim, const StagePlan& plan, int stage, std::i
 
 } // namespace
 
-void planResting(const SimState& sim, StagePlan& plan) {
-    RestingRows& resting = plan.resting;
-    for (auto* const flags :
-         {&resting.mayRest, &resting.zeroSlopes, &resting.settled, &resting.unchanged, &resting.quiet})
-        flags->assign(static_cast<std::size_t>(plan.rows), 0);
-    for (std::int64_t row = 0; row < plan.rows; ++row) resting.mayRest[row] = mayRest(sim, plan, row) ? 1 : 0;
-    resting.revision = sim.revision;
-}
-
 void reviewResting(const SimState& sim, StagePlan& plan) {
     RestingRows& resting = plan.resting;
-    // Radiation changes slopes of cells anywhere, and only a forward step leaves no negative zero behind.
-    const bool possible = resting.enabled && sim.radActive != 1 && sim.dt > 0 && sim.rhoFloor >= 0;
+    // Radiation changes slopes of cells anywhere, and only a step forward in time leaves no negative zero.
+    const bool possible = resting.enabled && !sim.radActive && sim.dt > 0 && sim.rhoFloor >= 0;
     if (possible && resting.revision == sim.revision) return;
     resting.revision = sim.revision;
     for (auto* const flags : {&resting.zeroSlopes, &resting.settled, &resting.quiet})
         std::fill(flags->begin(), flags->end(), 0);
 }
 
-bool hasToBePrepared(StagePlan& plan, std::int64_t row) {
+bool wakesForPrimitives(StagePlan& plan, std::int64_t row) {
     RestingRows& resting = plan.resting;
     resting.unchanged[row] = resting.settled[row];
     return resting.settled[row] == 0;
 }
 
-void notePrepared(StagePlan& plan, int stage, std::int64_t row) {
+void noteRecovered(StagePlan& plan, int stage, std::int64_t row) {
     RestingRows& resting = plan.resting;
-    // Behind a step of zero slopes no value is a negative zero, and adding zeros to such values leaves them as they
-    // are.
+    // After a step of zero slopes no value is a negative zero, and adding zeros leaves such values as they are.
     if (stage == 1 && resting.zeroSlopes[row] == allStages && resting.mayRest[row] != 0 && plan.thinRow[row] == 0)
         resting.settled[row] = 1;
 }
 
-bool hasToBeFinished(const SimState& sim, StagePlan& plan, std::int64_t row) {
+bool wakesForSlopes(const SimState& sim, StagePlan& plan, std::int64_t row) {
     std::uint8_t& quiet = plan.resting.quiet[row];
     if (!isNeighbourhoodUnchanged(sim, plan, row)) {
         quiet = 0;
@@ -95,7 +70,7 @@ bool hasToBeFinished(const SimState& sim, StagePlan& plan, std::int64_t row) {
     return true;
 }
 
-void noteFinished(const SimState& sim, StagePlan& plan, int stage, std::int64_t row) {
+void noteSlopes(const SimState& sim, StagePlan& plan, int stage, std::int64_t row) {
     RestingRows& resting = plan.resting;
     if (resting.mayRest[row] == 0) return;
     const auto bit = static_cast<std::uint8_t>(1 << stage);

@@ -1,8 +1,8 @@
 #pragma once
 // The arithmetic of a stage on whole rows of cells: loops over blocks of as many cells as a register holds. One set of
-// them is compiled for each instruction set; all give the same bits, those of the formulas cell by cell:
-// expressions in double from left to right, one rounding to single at each store and each accumulation. Only a sum, a
-// difference or a quotient of two singles is taken in single, which rounds to the same.
+// them is compiled for each instruction set; all give the same bits, those of docs/equations.md cell by cell:
+// expressions in double from left to right, one rounding to float at each store and each accumulation. Only a sum, a
+// difference or a quotient of two floats is taken in float, which rounds to the same.
 
 #include <cstdint>
 
@@ -18,10 +18,10 @@ struct ComponentRows {
     Value* row(int component) const { return first + component * stride; }
 };
 
-/// How the work state comes about: it stands already, is the trial state of a stage, or the state behind a step.
+/// The work state is kept, formed as the trial state of a stage, or as the state at the end of a completed step.
 enum class Forming { none, trial, completed };
 
-/// Conserved quantities of the cells of a row in all slots, a row for each component.
+/// Conserved quantities of the cells of a row in all slots, a row for each component: kg, J or kg m/s, slopes per s.
 struct ConservedRows {
     float* work = nullptr;
     float* committed = nullptr;
@@ -30,104 +30,98 @@ struct ConservedRows {
     std::int64_t stride = 0;     ///< from a component to the next one
 };
 
-/// What the work state and the primitives of a row are formed of. A code row keeps values where its codes are as told;
-/// it is null where no cell of the row has such a code.
-struct PreparedRows {
+/// What the work state and the primitives of a row are formed of. A row of codes is null if no cell has one of the
+/// codes named; otherwise the cells that have one keep their value.
+struct PrimitiveRows {
     int count = 0; ///< cells
     Forming forming = Forming::none;
-    double step = 0;        ///< s
+    double increment = 0;   ///< s, of time
     double gasFactor = 0;   ///< J/(kg K)
     float densityFloor = 0; ///< kg/m3
-    bool held = false;      ///< there are code rows
+    bool held = false;      ///< there are rows of codes
     ConservedRows species;
     ConservedRows energy;
     ConservedRows momentum;
-    const float* volume = nullptr;
-    const float* capacity = nullptr;
-    float* mass = nullptr;
-    float* density = nullptr;
-    ComponentRows<float> concentrations;
-    float* temperature = nullptr;
-    ComponentRows<float> velocities;
-    float* pressure = nullptr;
+    const float* volume = nullptr;                      ///< m3
+    const float* capacity = nullptr;                    ///< J/(kg K)
+    float* mass = nullptr;                              ///< kg
+    float* density = nullptr;                           ///< kg/m3
+    ComponentRows<float> concentrations;                ///< mass fractions
+    float* temperature = nullptr;                       ///< K
+    ComponentRows<float> velocities;                    ///< m/s
+    float* pressure = nullptr;                          ///< Pa
     const std::int16_t* speciesCode = nullptr;          ///< other than 0 keeps the masses, negative the pressure
     const std::int16_t* energyCode = nullptr;           ///< other than 0 keeps the heat, negative the temperature
     const std::int16_t* concentrationCode = nullptr;    ///< negative keeps the concentrations
     const std::int16_t* const* velocityCodes = nullptr; ///< of the components: other than 0 keeps momentum, velocity
 };
 
-/// The faces below and above the cells of a row along one dimension, with what they carry. Each pointer leads to the
-/// value of the first cell, or of its upper face; `...Lower`, `...Below` and `...Above` to the value of the first
-/// cell's lower face or of its neighbour.
+/// The faces below and above the cells of a row along one dimension, and what passes through them. Each pointer leads
+/// to the value of the first cell, or of its upper face; `...Lower`, `...Below` and `...Above` to the value of the
+/// first cell's lower face or of its neighbour.
 struct FaceRows {
     int count = 0;                           ///< cells
     int firstWithLower = 0;                  ///< cells from here on have a lower face
     int endWithUpper = 0;                    ///< cells before this one have an upper face
-    int normal = 0;                          ///< the component of momentum that crosses the faces, from 0
-    std::int64_t stride = 0;                 ///< from a cell to its upper neighbour
+    int normal = 0;                          ///< the component of momentum normal to the faces, from 0
+    std::int64_t toLower = 0;                ///< from a cell to its lower neighbour; 0 where no cell has one
+    std::int64_t toUpper = 0;                ///< from a cell to its upper neighbour; 0 where no cell has one
     bool startsSums = false;                 ///< the slopes begin with these faces, from 0
     bool constant = false;                   ///< all coefficients are the same along the row
-    const std::int64_t* openLower = nullptr; ///< all bits: the face carries, 0: it does not; null: all do
-    const std::int64_t* openUpper = nullptr; ///< the same; null together with openLower
+    const std::int64_t* lowerMask = nullptr; ///< all bits: the face is open to the mass flow, 0: not; null: all are
+    const std::int64_t* upperMask = nullptr; ///< the same; null together with lowerMask
 
-    const float *inverseSizeLower = nullptr, *inverseSize = nullptr;
-    const float *conductionLower = nullptr, *conduction = nullptr;
-    const float *viscousLower = nullptr, *viscous = nullptr;
-    const float *capacityBelow = nullptr, *capacity = nullptr, *capacityAbove = nullptr;
-    const float* area = nullptr;
+    const float *inverseSizeLower = nullptr, *inverseSize = nullptr;                     ///< 1/m
+    const float *conductionLower = nullptr, *conduction = nullptr;                       ///< W/K
+    const float *viscousLower = nullptr, *viscous = nullptr;                             ///< kg/s
+    const float *capacityBelow = nullptr, *capacity = nullptr, *capacityAbove = nullptr; ///< J/(kg K)
+    const float* area = nullptr;                                                         ///< m2
 
-    const float* momentum = nullptr; ///< the normal component, of the work state
-    ComponentRows<const float> concentrations;
-    const float* temperature = nullptr;
-    const float* pressure = nullptr;
-    ComponentRows<const float> velocities;
+    const float* momentum = nullptr;           ///< kg m/s, the normal component, of the work state
+    ComponentRows<const float> concentrations; ///< mass fractions
+    const float* temperature = nullptr;        ///< K
+    const float* pressure = nullptr;           ///< Pa
+    ComponentRows<const float> velocities;     ///< m/s
 
-    ComponentRows<float> speciesSlopes;
-    float* energySlope = nullptr;
-    ComponentRows<float> momentumSlopes;
+    ComponentRows<float> speciesSlopes;  ///< kg/s
+    float* energySlope = nullptr;        ///< W
+    ComponentRows<float> momentumSlopes; ///< N
 };
 
-/// The components of momentum in a row, and what acts on them besides the faces.
-struct PullRows {
-    int count = 0; ///< cells
-    ComponentRows<float> slopes;
-    ComponentRows<const float> velocities;
-    const float* friction = nullptr;
-    const float* mass = nullptr;
-    const float* gravity = nullptr; ///< of each component
-    bool held = false;              ///< the codes are not all 0, but for negative ones of components
+/// Forces on the momentum of the cells of a row, beside those of their faces: drag (N) and gravity (N).
+struct CellForceRows {
+    int count = 0;                         ///< cells
+    ComponentRows<float> slopes;           ///< N
+    ComponentRows<const float> velocities; ///< m/s
+    const float* friction = nullptr;       ///< kg/s
+    const float* mass = nullptr;           ///< kg
+    const float* gravity = nullptr;        ///< m/s2, of each component
+    bool held = false;                     ///< there are positive codes of components, or codes of whole cells
     ComponentRows<const std::int16_t> velocityCodes;
     const std::int16_t* wholeCode = nullptr;
 };
 
-/// All rows begin at the cell that a pointer leads to, and have `count` cells.
+/// All rows begin at the cell that a pointer leads to, and have `count` cells. Rows never alias, but for the neighbours
+/// of one field. Numbers in brackets are those of docs/equations.md.
 struct RowKernels {
     const char* name; ///< of the instruction set
 
-    /// Forms the work state, and the primitives from it. Tells whether all cells are denser than the floor.
-    ///   trial:      work = committed + step slope
-    ///   completed:  work = committed + ((2 k2 + k1) + 2 k3 + k4) step / 6,   then committed = work
-    ///   mass = sum of the species, density = mass / volume, concentration = species / mass,
-    ///   temperature = energy / (capacity mass), velocity = momentum / mass,
-    ///   pressure = gasFactor mass temperature / volume
-    bool (*prepare)(const PreparedRows& rows);
-    /// Whether all values are above a floor; a NaN is not.
-    bool (*allAbove)(int count, const float* value, float floor);
+    /// (S1) to (S3), (P1) to (P6). Gives whether all cells are denser than the floor.
+    bool (*recoverPrimitives)(const PrimitiveRows& rows);
 
-    /// open = whether the upper face of a cell carries: no positive code, and a donor denser than the floor.
-    void (*openFaces)(int count,
+    /// mask = whether the upper face of a cell is open: no positive code, and a donor denser than the floor.
+    void (*maskFaces)(int count,
                       std::int64_t stride,
-                      std::int64_t* open,
+                      std::int64_t* mask,
                       const std::int16_t* code,
                       const float* velocity,
                       const float* density,
                       float floor);
-    /// Adds to the slopes what both faces bring, the lower one first: of each face what it carries, for the upper one
-    /// the force of the pressure, then conduction and viscous exchange.
-    void (*addFaces)(const FaceRows& faces);
+    /// (1) to (6) of both faces, the lower one first.
+    void (*addFaceTerms)(const FaceRows& faces);
 
-    /// Subtracts velocity friction, then adds gravity mass.
-    void (*slowAndPull)(const PullRows& rows);
+    /// (7), (8)
+    void (*addDragAndGravity)(const CellForceRows& rows);
     /// slope = 0 where the code is positive
     void (*clearWherePositive)(int count, float* slope, const std::int16_t* code);
 };

@@ -1,8 +1,8 @@
 #include "core/run_driver.h"
 
 #include "core/checkstop.h"
+#include "core/processor_engine.h"
 #include "core/source_terms.h"
-#include "core/stage_engine.h"
 
 #include <algorithm>
 #include <limits>
@@ -16,8 +16,8 @@ namespace norvane {
 
 namespace {
 
-/// Whether an output that comes every `interval` steps is due; `remainder` tells at which step of the interval.
-/// In 64 bits, and with the sign of C++'s remainder: a negative interval acts as the schedule's formulas tell.
+/// Whether an output that comes every `interval` steps is due; `remainder` says at which step of the interval.
+/// In 64 bits, and with the sign of C++'s remainder: a negative interval acts as the formula of the schedule has it.
 bool isDue(const SimState& sim, std::int32_t interval, std::int64_t remainder) {
     if (interval == 0) return false; // switched off
     return (std::int64_t{sim.stepCount} - 1) % interval == remainder;
@@ -47,9 +47,14 @@ bool isWanted(const SimState& sim, const Output& output) {
 
 /// What a run keeps from step to step beside the model.
 struct Run {
-    StagePlan plan;
+    StageEngine engine;
     StopFileWatch stopFile;
 };
+
+/// Before anybody else reads or writes fields.
+void bringFields(const Run& run) {
+    if (run.engine.download) run.engine.download();
+}
 
 /// What follows the stages of a step. A stop that arrives after the last output ends the run without a further one.
 void runSchedule(SimState& sim, const RunEvents& events, const RunOperations& operations, Run& run) {
@@ -57,6 +62,7 @@ void runSchedule(SimState& sim, const RunEvents& events, const RunOperations& op
         sim.stopFlag = true;
         sim.outcome.reachedStopStep = true;
     }
+    bringFields(run);
     for (std::size_t k = 0; k < operations.outputs.size(); ++k) {
         const Output& output = operations.outputs[k];
         if (output.write && isWanted(sim, output)) guarded(sim, events, k, output);
@@ -68,9 +74,11 @@ void runSchedule(SimState& sim, const RunEvents& events, const RunOperations& op
 void runStep(SimState& sim, const RunEvents& events, const RunOperations& operations, Run& run) {
     events.stepBegan();
     if (sim.stepCount < std::numeric_limits<std::int32_t>::max()) sim.stepCount += 1;
+    const auto report = [&](const StageFault& fault) { reportFault(sim, events, fault); };
     for (int stage = 1; stage <= 4; ++stage) {
+        bringFields(run);
         events.yieldToInterface();
-        runStage(sim, events, run.plan, stage);
+        run.engine.runStage(stage, report);
     }
     runSchedule(sim, events, operations, run);
 }
@@ -94,9 +102,9 @@ void reportSkippedPairs(const SimState& sim, const RunEvents& events) {
                          "They are skipped. Import the view factors of this geometry with \"import rad\".");
 }
 
-/// Builds the model as runMode says and plans its stages. Gives no plan, after a message, where there is no geometry or
+/// Builds the model as runMode says and makes its engine. Gives none, after a message, where there is no geometry or
 /// not enough memory.
-std::optional<StagePlan> prepareRun(SimState& sim, const RunEvents& events, const RunOperations& operations) {
+std::optional<StageEngine> prepareRun(SimState& sim, const RunEvents& events, const RunOperations& operations) {
     const bool isFirst = sim.runMode == modeGeometryRead;
     try {
         if (operations.buildModel) operations.buildModel(sim);
@@ -107,7 +115,7 @@ std::optional<StagePlan> prepareRun(SimState& sim, const RunEvents& events, cons
         for (const Output& output : operations.outputs)
             if (isFirst && output.start) output.start(sim);
         reportSkippedPairs(sim, events);
-        return planStages(sim, sim.threads);
+        return operations.makeEngine ? operations.makeEngine(sim) : processorEngine(sim, planStages(sim, sim.threads));
     } catch (const std::bad_alloc&) {
         events.showMessage("There is not enough memory to run this model. Draw a coarser grid.");
         return std::nullopt;
@@ -127,9 +135,9 @@ void runSimulation(SimState& sim, const RunEvents& events, const RunOperations& 
     if (nestsTooDeep(sim, events)) return;
     sim.reported = {};
     sim.outcome = {};
-    std::optional<StagePlan> plan = prepareRun(sim, events, operations);
-    if (!plan) return;
-    Run run{std::move(*plan), {}};
+    std::optional<StageEngine> engine = prepareRun(sim, events, operations);
+    if (!engine) return;
+    Run run{std::move(*engine), {}};
     sim.stageWork = workSlot;
     sim.stopFlag = false;
     sim.runDepth += 1;

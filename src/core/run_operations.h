@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/sim_state.h"
+#include "core/stage_engine.h"
 
 #include <cstdint>
 #include <functional>
@@ -23,6 +24,7 @@ struct Output {
 /// What the run driver calls of the floors above it. An entry that is not filled in is skipped.
 struct RunOperations {
     std::function<void(SimState& sim)> buildModel;
+    std::function<StageEngine(SimState& sim)> makeEngine; ///< of a model that was just built; none: the processor's
     std::function<void(SimState& sim)> showExitQuestion;
     std::vector<Output> outputs; ///< in the order in which they come after a step
 

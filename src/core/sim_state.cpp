@@ -9,21 +9,21 @@ namespace norvane {
 
 namespace {
 
-/// Allocates the fields of cells, each with a place of its own in the caches.
+/// Allocates the fields of cells, each with a cache colour of its own.
 struct FieldAllocator {
     SimState& sim;
     ComponentRange range{0, 0};
-    std::size_t place = 0;
+    std::size_t colour = 0;
 
     template <class T>
     void operator()(Array<T> SimState::*field) {
-        (sim.*field).allocate(0, sim.nCells, place++);
+        (sim.*field).allocate(0, sim.nCells, colour++);
     }
 
     template <class Table>
     void operator()(Table SimState::*field) {
-        (sim.*field).allocate(sim.nCells, range.first, range.last, place);
-        place += static_cast<std::size_t>(range.count()) * Table::slots;
+        (sim.*field).allocate(sim.nCells, range.first, range.last, colour);
+        colour += static_cast<std::size_t>(range.count()) * Table::slots;
     }
 };
 
@@ -78,12 +78,12 @@ bool allocateState(SimState& sim) {
 }
 
 double stateBytes(int nDim, int nsMax, std::int64_t nCells) {
-    const auto cells = static_cast<std::size_t>(nCells) + 1; // an array takes more than its values, for its place
+    const auto cells = static_cast<std::size_t>(nCells) + 1; // an array takes more than its values, for its colour
     double bytes = 0;
     for (const CellField& field : cellFields()) {
         FieldSize size{static_cast<double>(componentRange(field.components, nDim, nsMax).count())};
         std::visit([&](auto member) { size(member); }, field.member);
-        bytes += size.arrays * static_cast<double>(ArrayPlace::distance(cells * size.valueBytes));
+        bytes += size.arrays * static_cast<double>(CacheColour::distance(cells * size.valueBytes));
     }
     return bytes;
 }

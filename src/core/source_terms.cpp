@@ -1,16 +1,34 @@
 #include "core/source_terms.h"
 
 #include "core/accumulate.h"
+#include "core/wall_codes.h"
 
 #include <cmath>
 #include <cstdlib>
 
 namespace norvane {
 
-/// The masses of a pressure-held cell are not integrated: what the faces bring in leaves again at the cell's own
-/// temperature and velocity, and what they take away is made up at them.
+namespace {
+
+// Elements of paramGP that the exchange of species reads.
+constexpr int balanceFactor = 11;      ///< -
+constexpr int balanceTemperature = 12; ///< K
+constexpr int balanceLimit = 13;       ///< mass fraction, that of a large exponential
+constexpr int rateTemperature = 14;    ///< K, negative
+constexpr int rateTime = 15;           ///< s, at 973 K
+
+bool hasSink(const SimState& sim, std::int32_t cell) { return isImposed(sim.wallPressure[cell]); }
+
+bool hasExchange(const SimState& sim, std::int32_t cell) {
+    return exchangesSpecies(sim.wallConcentration[cell]) && sim.nsMax >= 1;
+}
+
+} // namespace
+
+// The masses of a pressure-held cell are not integrated: what the faces bring in leaves again at the cell's own
+// temperature and velocity, and what they take away is made up at them.
 void addSink(SimState& sim, int stage, std::int32_t cell) {
-    if (sim.wallPressure[cell] >= 0) return;
+    if (!hasSink(sim, cell)) return;
     double netInflow = 0;
     for (int species = 0; species <= sim.nsMax; ++species) netInflow += double(sim.stageSpecies(stage, species, cell));
     const double makeUp = 0 - netInflow;
@@ -19,15 +37,16 @@ void addSink(SimState& sim, int stage, std::int32_t cell) {
         accumulate(sim.stageMomentum(stage, cell, dim), makeUp * double(sim.velocity(cell, dim)));
 }
 
-/// Species 1 relaxes towards its balance fraction; what leaves it becomes species 0 and takes heat with it.
+// What leaves species 1 becomes species 0 and takes heat with it.
 void addSpeciesExchange(SimState& sim, int stage, std::int32_t cell) {
-    if (sim.wallConcentration[cell] != 1 || sim.nsMax < 1) return;
+    if (!hasExchange(sim, cell)) return;
+    const auto parameter = [&](int number) { return double(sim.paramGP[number]); };
     const double temperature = sim.temperature[cell];
-    const double growth = double(sim.paramGP[11]) * std::exp(double(sim.paramGP[12]) / temperature);
-    const double balance = growth * double(sim.paramGP[13]) / (growth + 1);
+    const double growth = parameter(balanceFactor) * std::exp(parameter(balanceTemperature) / temperature);
+    const double balance = growth * parameter(balanceLimit) / (growth + 1);
 
-    const double rateScale = sim.paramGP[14];
-    double rate = std::exp(-rateScale / temperature) * (1 / double(sim.paramGP[15])) / std::exp(-rateScale / 973);
+    const double rateScale = parameter(rateTemperature);
+    double rate = std::exp(-rateScale / temperature) * (1 / parameter(rateTime)) / std::exp(-rateScale / 973);
     // The full dt in every stage, not the stage step: the cap bounds what one whole step may exchange.
     const double cap = 0.5 / double(sim.dt);
     if (rate > cap) rate = cap;
@@ -37,6 +56,34 @@ void addSpeciesExchange(SimState& sim, int stage, std::int32_t cell) {
     accumulate(sim.stageSpecies(stage, 0, cell), flow);
     accumulate(sim.stageEnergy(stage, cell), -(flow * 208 * 1000 * 1000 / 16)); // 208 kJ/mol, 16 g/mol
 }
+
+namespace {
+
+template <auto acts>
+std::int32_t find(const SimState& sim, bool acting, std::int32_t first, std::int32_t end) {
+    while (first < end && acts(sim, first) != acting) ++first;
+    return first;
+}
+
+template <auto add>
+void addToCells(SimState& sim, int stage, std::int32_t first, std::int32_t end) {
+    for (std::int32_t cell = first; cell < end; ++cell) add(sim, stage, cell);
+}
+
+template <auto acts, auto add>
+constexpr CellTerm term(const char* name) {
+    return {name, find<acts>, addToCells<add>};
+}
+
+// A sink takes away what all terms before it have brought: forces on the momentum stand above it.
+constexpr CellTerm terms[] = {
+    term<hasSink, addSink>("Sink of a pressure-held cell"),
+    term<hasExchange, addSpeciesExchange>("Exchange of species 0 and 1"),
+};
+
+} // namespace
+
+std::span<const CellTerm> cellTerms() { return terms; }
 
 namespace {
 

@@ -1,20 +1,40 @@
 #pragma once
+// Terms of the slopes that pass through no face, with the numbers of docs/equations.md. Each adds to slot `stage`
+// [1..4], after the faces, drag and gravity. Faults: none; infinities and NaNs pass through.
 
 #include "core/sim_state.h"
 
+#include <cstdint>
+#include <span>
+
 namespace norvane {
 
-/// Terms of single cells [1..nCells] that add to slot `stage` [1..4] of that cell, behind its faces, drag and gravity.
-/// Each does nothing where the cell's wall codes don't ask for it. Faults: none; infinities and NaNs pass through.
+/// A term of cells, which is planned only where it acts.
+struct CellTerm {
+    const char* name; ///< its heading in docs/equations.md
 
-/// The balance of a pressure-held cell (wallPressure below 0): what the faces bring in leaves again, and what they take
-/// away is made up, at the cell's own temperature and velocity.
+    /// The first of the cells [first .. end - 1] in which it acts, or does not; `end` where there is none.
+    std::int32_t (*find)(const SimState& sim, bool acting, std::int32_t first, std::int32_t end);
+
+    /// Adds it in the cells [first .. end - 1] of a row, in all of which it acts.
+    void (*add)(SimState& sim, int stage, std::int32_t first, std::int32_t end);
+};
+
+/// In the order in which they are added.
+std::span<const CellTerm> cellTerms();
+
+/// (9) The balance of a pressure-held cell (wallPressure below 0): what the faces bring in leaves again, and what they
+/// take away is made up, at the cell's own temperature and velocity. Nothing in other cells.
 void addSink(SimState& sim, int stage, std::int32_t cell);
 
-/// The exchange between species 0 and 1 (wallConcentration 1).
+/// (10) Species 1 relaxes towards its balance with species 0 (wallConcentration 1), by a first-order rate that follows
+/// the temperature; paramGP[11..15] are the factor (-), temperature (K) and limit (mass fraction) of the balance, the
+/// temperature (K) of the rate, and its time constant (s) at 973 K. 208 kJ/mol at 16 g/mol pass from the heat to the
+/// species. Nothing in other cells.
+/// Source: law of Arrhenius for the rate, with a cap of half the species in one time step.
 void addSpeciesExchange(SimState& sim, int stage, std::int32_t cell);
 
-/// Adds the radiation between the cells of all pairs to the energy slopes, W. Cell 0 as second cell stands for the
+/// (11) Adds the radiation between the cells of all pairs to the energy slopes, W. Cell 0 as second cell stands for the
 /// surroundings at temperature[0]. A pair with a cell that the grid does not have is skipped.
 /// Source: Stefan-Boltzmann law, with the exchange factor of the pair in m2.
 void radiationPairs(SimState& sim, int stage);

@@ -1,23 +1,39 @@
 #pragma once
-// The stages of a step, row by row. A row is all cells that differ in dimension 1 alone; its cells lie behind one
-// another in every component, so that each term is one loop over them (row_kernels.h). The result is that of the
-// formulas cell by cell, bit for bit, for any instruction set and number of threads.
+// What carries out the stages of a run, whatever machine it works on.
 
-#include "core/stage_plan.h"
+#include "core/sim_state.h"
 #include "platform/run_events.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
 
 namespace norvane {
 
-/// One stage [1..4] of a step: the work state, the primitives, the slopes.
-///   stage 2, 3, 4:  q[5] = q[0] + h k[stage-1],   h = dt/2, dt/2, dt
-///   stage 1:        q[5] = q[0] + ((2 k2 + k1) + 2 k3 + k4) dt / 6,   then q[0] = q[5]
-/// q is each of stageSpecies (kg), stageEnergy (J), stageMomentum (kg m/s); dt in s. A quantity that a wall code holds
-/// keeps its slot 5. Faults: a density that is not at least 0 shows a message for each such cell and sets stopFlag.
-/// Source: classical fourth-order Runge-Kutta (Hairer, Norsett, Wanner, Solving ODEs I, II.1).
-void runStage(SimState& sim, const RunEvents& events, StagePlan& plan, int stage);
+/// A density that is not at least 0.
+struct StageFault {
+    int stage;         ///< [1..4] in which it came up, 0: outside of a step
+    std::int32_t cell; ///< [1..nCells]
+};
 
-/// The parts of a stage alone. Primitives are derived from the slot stageWork.
-void derivePrimitives(SimState& sim, const RunEvents& events, StagePlan& plan);
-void computeSlopes(SimState& sim, StagePlan& plan, int stage);
+using FaultSink = std::function<void(const StageFault& fault)>;
+
+/// Carries out the stages of a run on one SimState, which stays where it is and outlives the engine. All engines give
+/// the same bits (docs/equations.md). The fields of the record may be left behind while stages go on elsewhere: whoever
+/// reads or writes them calls `download` first, and raises SimState::revision after writing.
+struct StageEngine {
+    std::string name; ///< of the machine or its instruction set
+
+    /// One stage [1..4] of a step: the work state, the primitives, the slopes. Before that the engine takes over all
+    /// fields, if SimState::revision has moved since its last stage or download; stepCount is read in each stage.
+    /// Faults are reported in ascending order of cells, after the stage; nothing stops at them.
+    std::function<void(int stage, const FaultSink& fault)> runStage;
+
+    /// Puts fields into the record that the stages have changed since the last time. Null: they are always there.
+    std::function<void()> download;
+};
+
+/// Shows the message of a fault and sets stopFlag.
+void reportFault(SimState& sim, const RunEvents& events, const StageFault& fault);
 
 } // namespace norvane

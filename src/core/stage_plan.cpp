@@ -1,5 +1,8 @@
 #include "core/stage_plan.h"
 
+#include "core/addressing.h"
+#include "core/wall_codes.h"
+
 #include <algorithm>
 #include <cstring>
 #include <system_error>
@@ -16,33 +19,42 @@ namespace {
 RowTraits traitsOf(const SimState& sim, std::int64_t first, std::int64_t last) {
     RowTraits traits;
     for (std::int64_t cell = first; cell <= last; ++cell) {
-        traits.heldSpecies |= sim.wallPressure[cell] != 0;
-        traits.heldEnergy |= sim.wallTemperature[cell] != 0;
-        traits.closedEnergy |= sim.wallTemperature[cell] > 0;
-        traits.heldConcentration |= sim.wallConcentration[cell] < 0;
-        traits.wholeCodes |= sim.wallVelocity(cell, 0) != 0;
+        traits.heldSpecies |= isHeld(sim.wallPressure[cell]);
+        traits.heldEnergy |= isHeld(sim.wallTemperature[cell]);
+        traits.closedEnergy |= isClosed(sim.wallTemperature[cell]);
+        traits.heldConcentration |= isImposed(sim.wallConcentration[cell]);
+        traits.wholeCodes |= isHeld(sim.wallVelocity(cell, 0));
     }
-    traits.closedEnd = sim.wallVelocity(last, 1) > 0;
+    traits.closedEnd = isClosed(sim.wallVelocity(last, 1));
     return traits;
 }
 
 DimensionTraits traitsAlong(const SimState& sim, int dim, std::int64_t first, std::int64_t last) {
     DimensionTraits traits;
     for (std::int64_t cell = first; cell <= last; ++cell) {
-        traits.held |= sim.wallVelocity(cell, dim) != 0;
-        traits.closed |= sim.wallVelocity(cell, dim) > 0;
+        traits.held |= isHeld(sim.wallVelocity(cell, dim));
+        traits.closed |= isClosed(sim.wallVelocity(cell, dim));
     }
     return traits;
 }
 
 bool hasImposedValue(const SimState& sim, std::int64_t cell) {
-    bool imposed = sim.wallConcentration[cell] < 0 || sim.wallTemperature[cell] < 0;
-    for (int dim = 1; dim <= sim.nDim; ++dim) imposed |= sim.wallVelocity(cell, dim) < 0;
+    bool imposed = isImposed(sim.wallConcentration[cell]) || isImposed(sim.wallTemperature[cell]);
+    for (int dim = 1; dim <= sim.nDim; ++dim) imposed |= isImposed(sim.wallVelocity(cell, dim));
     return imposed;
 }
 
-bool hasSource(const SimState& sim, std::int64_t cell) {
-    return sim.wallPressure[cell] < 0 || (sim.wallConcentration[cell] == 1 && sim.nsMax >= 1);
+/// The runs of the cells [first .. end - 1], which are a row.
+void planTerms(const SimState& sim, StagePlan& plan, std::int32_t first, std::int32_t end) {
+    for (const CellTerm& term : cellTerms()) {
+        std::int32_t runEnd = first;
+        for (;;) {
+            const std::int32_t runFirst = term.find(sim, true, runEnd, end);
+            if (runFirst == end) break;
+            runEnd = term.find(sim, false, runFirst, end);
+            plan.termRuns.push_back({&term, runFirst, runEnd});
+        }
+    }
 }
 
 void planRow(const SimState& sim, StagePlan& plan, std::int64_t row) {
@@ -57,10 +69,10 @@ void planRow(const SimState& sim, StagePlan& plan, std::int64_t row) {
     }
     for (std::int64_t cell = first; cell <= last; ++cell) {
         if (hasImposedValue(sim, cell)) plan.imposedCells.push_back(static_cast<std::int32_t>(cell));
-        if (hasSource(sim, cell)) plan.sourceCells.push_back(static_cast<std::int32_t>(cell));
     }
     plan.imposedOfRow[row + 1] = static_cast<std::int64_t>(plan.imposedCells.size());
-    plan.sourcesOfRow[row + 1] = static_cast<std::int64_t>(plan.sourceCells.size());
+    planTerms(sim, plan, static_cast<std::int32_t>(first), static_cast<std::int32_t>(last) + 1);
+    plan.termsOfRow[row + 1] = static_cast<std::int64_t>(plan.termRuns.size());
 }
 
 /// `cells`: cell 0 of the coefficient.
@@ -70,7 +82,7 @@ Coefficient planCoefficient(const StagePlan& plan, const float* cells) {
         std::int32_t& sameAs = coefficient.sameAs[static_cast<std::size_t>(row)];
         sameAs = static_cast<std::int32_t>(row);
         const float* const here = coefficient.row(row);
-        for (const std::int64_t before : {row - 1, row - plan.sheetRows})
+        for (const std::int64_t before : {row - 1, row - plan.planeRows})
             if (before >= 0 && sameBits(here, coefficient.row(before), plan.rowCells))
                 sameAs = coefficient.sameAs[static_cast<std::size_t>(before)];
     }
@@ -98,39 +110,41 @@ void planFaceCoefficients(const SimState& sim, StagePlan& plan) {
     }
 }
 
-/// Sheets are the planes of dimensions 1 and 2 where there are more dimensions, else single rows.
-void layOutSheets(const SimState& sim, StagePlan& plan) {
-    constexpr std::int64_t cellsOfStrip = 8192; // of three sheets the ten fields that slopes read take 1 MB
-    const bool hasPlanes = sim.nDim > 2 && sim.nCells > 0;
-    plan.sheetRows = hasPlanes ? sim.cellCount[2] : 1;
-    plan.sheets = plan.rows / plan.sheetRows;
-    plan.reach = sim.nDim > 1 && sim.nCells > 0 ? sim.cellStride[sim.nDim] / plan.rowCells / plan.sheetRows : 0;
-    plan.stripRows =
-        std::clamp<std::int64_t>(cellsOfStrip / plan.rowCells, 4, std::max<std::int64_t>(plan.sheetRows, 4));
+/// A grid of one or two dimensions has single rows for planes.
+void layOutPlanes(const SimState& sim, StagePlan& plan) {
+    constexpr std::int64_t cellsOfTile = 8192; // of three planes the ten fields that slopes read take 1 MB
+    const bool isDeep = sim.nDim > 2 && sim.nCells > 0;
+    plan.planeRows = isDeep ? sim.cellCount[2] : 1;
+    plan.planes = plan.rows / plan.planeRows;
+    plan.stencilWidth = sim.nDim > 1 && sim.nCells > 0 ? sim.cellStride[sim.nDim] / plan.rowCells / plan.planeRows : 0;
+    plan.tileRows = std::clamp<std::int64_t>(cellsOfTile / plan.rowCells, 4, std::max<std::int64_t>(plan.planeRows, 4));
 }
 
-/// All of a plan but the coefficients of slopes.
-StagePlan planRows(const SimState& sim, int threads, const RowKernels& kernels) {
-    StagePlan plan;
-    plan.kernels = &kernels;
-    plan.rowCells = sim.nCells > 0 ? sim.cellCount[1] : 1;
-    plan.paddedCells = plan.rowCells + 16; // what a vector may read beyond a row
-    plan.rows = sim.nCells / plan.rowCells;
-    layOutSheets(sim, plan);
-    plan.rowTraits.resize(static_cast<std::size_t>(plan.rows));
-    plan.dimensionTraits.resize(static_cast<std::size_t>(plan.rows * sim.nDim));
-    plan.imposedOfRow.resize(static_cast<std::size_t>(plan.rows + 1));
-    plan.sourcesOfRow.resize(static_cast<std::size_t>(plan.rows + 1));
-    plan.thinRow.resize(static_cast<std::size_t>(plan.rows));
-    for (std::int64_t row = 0; row < plan.rows; ++row) planRow(sim, plan, row);
-    plan.volume = planCoefficient(plan, &sim.cellVolume[0]);
-    plan.capacity = planCoefficient(plan, &sim.heatCapacity[0]);
+bool mayRest(const SimState& sim, const StagePlan& plan, std::int64_t row) {
+    const RowTraits& traits = plan.rowTraits[row];
+    bool free = !traits.heldSpecies && !traits.heldEnergy && !traits.heldConcentration
+                && plan.imposedOfRow[row] == plan.imposedOfRow[row + 1]
+                && plan.termsOfRow[row] == plan.termsOfRow[row + 1];
+    for (int dim = 1; dim <= sim.nDim; ++dim) free = free && !plan.dimensionTraits[row * sim.nDim + dim - 1].held;
+    return free;
+}
 
+void planResting(const SimState& sim, StagePlan& plan) {
+    RestingRows& resting = plan.resting;
+    for (auto* const flags :
+         {&resting.mayRest, &resting.zeroSlopes, &resting.settled, &resting.unchanged, &resting.quiet})
+        flags->assign(static_cast<std::size_t>(plan.rows), 0);
+    for (std::int64_t row = 0; row < plan.rows; ++row) resting.mayRest[row] = mayRest(sim, plan, row) ? 1 : 0;
+    resting.revision = sim.revision;
+}
+
+/// A partition into equal parts, for as many threads as the system grants.
+void planThreads(const SimState& sim, StagePlan& plan, int threads) {
     const int wanted = threads > 0 ? threads : suitableThreads(sim.nCells);
-    const auto size = static_cast<int>(std::clamp<std::int64_t>(wanted, 1, std::max<std::int64_t>(plan.sheets, 1)));
+    const auto size = static_cast<int>(std::clamp<std::int64_t>(wanted, 1, std::max<std::int64_t>(plan.planes, 1)));
     plan.workspaces.resize(static_cast<std::size_t>(size));
     for (StageWorkspace& workspace : plan.workspaces) {
-        workspace.openFaces.resize(static_cast<std::size_t>(2 * plan.paddedCells));
+        workspace.faceMasks.resize(static_cast<std::size_t>(2 * plan.paddedCells));
         workspace.velocityCodes.resize(static_cast<std::size_t>(sim.nDim));
     }
     try {
@@ -140,15 +154,40 @@ StagePlan planRows(const SimState& sim, int threads, const RowKernels& kernels) 
         plan.team = std::make_unique<ThreadTeam>(1);
     }
     for (int thread = 0; thread <= plan.team->size(); ++thread)
-        plan.shares.push_back(plan.sheets * thread / plan.team->size());
-    plan.nextShares = plan.shares;
+        plan.partition.push_back(plan.planes * thread / plan.team->size());
+    plan.nextPartition = plan.partition;
+}
+
+/// All of a plan but the coefficients of slopes.
+StagePlan planRows(const SimState& sim, int threads, const RowKernels& kernels) {
+    StagePlan plan;
+    plan.kernels = &kernels;
+    plan.rowCells = sim.nCells > 0 ? sim.cellCount[1] : 1;
+    plan.paddedCells = plan.rowCells + 16; // what a vector may read beyond a row
+    plan.rows = sim.nCells / plan.rowCells;
+    layOutPlanes(sim, plan);
+    plan.rowTraits.resize(static_cast<std::size_t>(plan.rows));
+    plan.dimensionTraits.resize(static_cast<std::size_t>(plan.rows * sim.nDim));
+    plan.imposedOfRow.resize(static_cast<std::size_t>(plan.rows + 1));
+    plan.termsOfRow.resize(static_cast<std::size_t>(plan.rows + 1));
+    plan.thinRow.resize(static_cast<std::size_t>(plan.rows));
+    for (std::int64_t row = 0; row < plan.rows; ++row) planRow(sim, plan, row);
+    plan.volume = planCoefficient(plan, &sim.cellVolume[0]);
+    plan.capacity = planCoefficient(plan, &sim.heatCapacity[0]);
+    planThreads(sim, plan, threads);
     return plan;
 }
 
 } // namespace
 
+NeighbourRows neighbourRows(const SimState& sim, const StagePlan& plan, std::int64_t row, int dim) {
+    const std::int64_t stride = sim.cellStride[dim] / plan.rowCells;
+    const double position = cellCoordinate(sim, static_cast<std::int32_t>(firstCell(plan, row)), dim);
+    return {position > 0 ? row - stride : row, position < sim.cellCount[dim] - 1 ? row + stride : row};
+}
+
 int suitableThreads(std::int64_t cells) {
-    constexpr std::int64_t cellsForAThread = 4096; // fewer cost more in meetings than they gain
+    constexpr std::int64_t cellsForAThread = 4096; // fewer cost more in barriers than they gain
     const auto cores = static_cast<std::int64_t>(std::thread::hardware_concurrency());
     return static_cast<int>(std::clamp<std::int64_t>(cells / cellsForAThread, 1, std::max<std::int64_t>(cores, 1)));
 }

@@ -6,65 +6,68 @@ namespace norvane {
 
 namespace {
 
-/// Until the processor may better serve another program.
-constexpr std::chrono::microseconds awake{100};
+/// Before a thread blocks.
+constexpr std::chrono::microseconds spinTime{100};
 
-void rest() {
+void cpuPause() {
 #if defined(__x86_64__) || defined(__i386__)
     __builtin_ia32_pause();
+#elif defined(__aarch64__)
+    asm volatile("yield");
 #endif
 }
 
 } // namespace
 
-void MeetingPlace::arrive() {
+void Barrier::arrive() {
     if (arrived_.fetch_add(1) + 1 < threads_) return;
-    arrived_ = 0; // before anybody leaves for the next meeting
-    meetings_.fetch_add(1);
-    meetings_.notify_all();
+    arrived_ = 0; // before any thread gets to the next pass
+    passes_.fetch_add(1);
+    passes_.notify_all();
 }
 
-void MeetingPlace::arriveAndWait() {
-    const unsigned meeting = meetings_;
+void Barrier::arriveAndWait() {
+    const unsigned pass = passes_;
     arrive();
-    const auto end = std::chrono::steady_clock::now() + awake;
-    while (meetings_ == meeting && std::chrono::steady_clock::now() < end) {
-        for (int k = 0; k < 64 && meetings_ == meeting; ++k) rest();
-        std::this_thread::yield(); // the one that is waited for may stand in line for this very core
+    const auto end = std::chrono::steady_clock::now() + spinTime;
+    while (passes_ == pass && std::chrono::steady_clock::now() < end) {
+        for (int k = 0; k < 64 && passes_ == pass; ++k) cpuPause();
+        std::this_thread::yield(); // the awaited thread may be queued on this core
     }
-    meetings_.wait(meeting);
+    passes_.wait(pass);
 }
 
-ThreadTeam::ThreadTeam(int threads) : size_(threads < 1 ? 1 : threads), gate_(size_), meeting_(size_) {
+ThreadTeam::ThreadTeam(int threads) : size_(threads < 1 ? 1 : threads), aroundWork_(size_), inWork_(size_) {
     try {
         for (int thread = 1; thread < size_; ++thread) others_.emplace_back([this, thread] { serve(thread); });
     } catch (...) {
-        // Those that have started wait for the ones that never will: stand in for these, and let all end.
-        for (auto missing = others_.size(); missing + 1 < static_cast<std::size_t>(size_); ++missing) gate_.arrive();
-        gate_.arriveAndWait();
+        // The threads that have started wait for those that did not: arrive for these, and let all end.
+        for (auto missing = others_.size(); missing + 1 < static_cast<std::size_t>(size_); ++missing)
+            aroundWork_.arrive();
+        aroundWork_.arriveAndWait();
         throw;
     }
 }
 
 void ThreadTeam::serve(int thread) {
     for (;;) {
-        gate_.arriveAndWait();
+        aroundWork_.arriveAndWait();
         if (work_ == nullptr) return;
         (*work_)(thread);
-        gate_.arriveAndWait();
+        aroundWork_.arriveAndWait();
     }
 }
 
 ThreadTeam::~ThreadTeam() {
     work_ = nullptr;
-    gate_.arriveAndWait();
+    aroundWork_.arriveAndWait();
 }
 
 void ThreadTeam::run(const std::function<void(int)>& work) {
     work_ = &work;
-    gate_.arriveAndWait();
+    aroundWork_.arriveAndWait();
     work(0);
-    gate_.arriveAndWait();
+    aroundWork_.arriveAndWait();
 }
 
 } // namespace norvane

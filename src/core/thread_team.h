@@ -7,25 +7,28 @@
 
 namespace norvane {
 
-/// A place where a number of threads wait for one another, over and over. They wait awake for a while: a stage of a
-/// small grid takes less time than to fall asleep and be woken.
-class MeetingPlace {
+/// Reusable barrier. Threads spin for 100 us before they block, since a stage of a small grid is shorter than a
+/// wake-up.
+class Barrier {
 public:
-    explicit MeetingPlace(int threads) : threads_(threads) {}
+    explicit Barrier(int threads) : threads_(threads) {}
 
-    /// Returns when all threads have come.
+    Barrier(const Barrier&) = delete;
+    Barrier& operator=(const Barrier&) = delete;
+
+    /// Returns when all threads have arrived.
     void arriveAndWait();
 
-    /// Comes in place of a thread that never will, and does not wait.
+    /// Arrives for a thread that failed to start; does not block.
     void arrive();
 
 private:
     int threads_;
     std::atomic<int> arrived_ = 0;
-    std::atomic<unsigned> meetings_ = 0;
+    std::atomic<unsigned> passes_ = 0;
 };
 
-/// Threads that do one piece of work together, over and over. The thread that calls is the first of them.
+/// A pool of threads that carry out one piece of work together, again and again. The calling thread is one of them.
 class ThreadTeam {
 public:
     /// Throws std::system_error where the system grants no further thread.
@@ -39,16 +42,16 @@ public:
     /// Calls work(thread) on every thread [0..size-1] and returns when all are done. The work must not throw.
     void run(const std::function<void(int thread)>& work);
 
-    /// For the work: waits until all threads have come here.
-    void wait() { meeting_.arriveAndWait(); }
+    /// For the work: waits until all threads have arrived here.
+    void wait() { inWork_.arriveAndWait(); }
 
 private:
     void serve(int thread);
 
     int size_;
     const std::function<void(int)>* work_ = nullptr; ///< null: the threads end
-    MeetingPlace gate_;                              ///< opens and closes a piece of work
-    MeetingPlace meeting_;
+    Barrier aroundWork_;                             ///< passed at the start and at the end of each piece of work
+    Barrier inWork_;
     std::vector<std::jthread> others_;
 };
 

@@ -45,44 +45,49 @@ Face locateFace(const SimState& sim, std::int32_t cell, int faceIndex) {
     return face;
 }
 
-/// Adds what a face brings. A subtraction, not the addition of a negative, leaves the sign of a NaN as it is.
-void carry(float& slope, const Face& face, double amount) {
+/// Adds what the flow through a face brings. A subtraction, not the addition of a negative, leaves the sign of a NaN as
+/// it is.
+void addFlow(float& slope, const Face& face, double amount) {
     slope = static_cast<float>(face.isUpper ? double(slope) - amount : double(slope) + amount);
 }
 
+/// (1)
 void addSpeciesAdvection(SimState& sim, int stage, std::int32_t cell, const Face& face) {
     for (int species = 0; species <= sim.nsMax; ++species)
-        carry(sim.stageSpecies(stage, species, cell), face,
-              face.massFlow * double(sim.concentration(face.donor, species)));
+        addFlow(sim.stageSpecies(stage, species, cell), face,
+                face.massFlow * double(sim.concentration(face.donor, species)));
 }
 
+/// (2)
 void addHeatAdvection(SimState& sim, int stage, std::int32_t cell, const Face& face) {
     if (sim.wallTemperature[cell] > 0) return;
-    carry(sim.stageEnergy(stage, cell), face,
-          face.massFlow * double(sim.heatCapacity[face.donor]) * double(sim.temperature[face.donor]));
+    addFlow(sim.stageEnergy(stage, cell), face,
+            face.massFlow * double(sim.heatCapacity[face.donor]) * double(sim.temperature[face.donor]));
 }
 
-/// All components are carried across the faces of every dimension, with no shift to their staggered places.
+/// (3), as if momentum were cell-centred.
 void addMomentumAdvection(SimState& sim, int stage, std::int32_t cell, const Face& face) {
     for (int dim = 1; dim <= sim.nDim; ++dim) {
         if (sim.wallVelocity(cell, dim) > 0) continue;
-        carry(sim.stageMomentum(stage, cell, dim), face, face.massFlow * double(sim.velocity(face.donor, dim)));
+        addFlow(sim.stageMomentum(stage, cell, dim), face, face.massFlow * double(sim.velocity(face.donor, dim)));
     }
 }
 
-/// Only for the cell below the face, where the momentum of the face lives.
+/// (4), only for the cell below the face, which keeps the momentum of the face.
 void addPressureForce(SimState& sim, int stage, std::int32_t cell, const Face& face) {
     if (sim.wallVelocity(cell, face.dim) > 0) return;
     const double difference = double(sim.pressure[cell]) - double(sim.pressure[face.neighbour]);
     accumulate(sim.stageMomentum(stage, cell, face.dim), difference * double(sim.faceArea(cell, face.dim)));
 }
 
+/// (5)
 void addHeatConduction(SimState& sim, int stage, std::int32_t cell, const Face& face) {
     if (sim.wallTemperature[cell] > 0) return;
     const double difference = double(sim.temperature[face.neighbour]) - double(sim.temperature[cell]);
     accumulate(sim.stageEnergy(stage, cell), difference * double(sim.conductionCoef(face.lower, face.dim)));
 }
 
+/// (6)
 void addViscousExchange(SimState& sim, int stage, std::int32_t cell, const Face& face) {
     for (int dim = 1; dim <= sim.nDim; ++dim) {
         if (sim.wallVelocity(cell, dim) > 0) continue;
@@ -109,16 +114,23 @@ static void faceTerms(SimState& sim, int stage, std::int32_t cell, int faceIndex
 
 namespace {
 
-void addDragAndGravity(SimState& sim, int stage, std::int32_t cell) {
-    if (sim.wallVelocity(cell, 0) != 0) return;
+/// (7)
+void addDrag(SimState& sim, int stage, std::int32_t cell) {
     for (int dim = 1; dim <= sim.nDim; ++dim) {
+        if (sim.wallVelocity(cell, 0) != 0 || sim.wallVelocity(cell, dim) > 0) continue;
         float& slope = sim.stageMomentum(stage, cell, dim);
-        if (sim.wallVelocity(cell, dim) <= 0)
-            slope = static_cast<float>(double(slope) - double(sim.velocity(cell, dim)) * double(sim.friction[cell]));
-        accumulate(slope, double(sim.gravity[dim]) * double(sim.cellMass[cell]));
+        slope = static_cast<float>(double(slope) - double(sim.velocity(cell, dim)) * double(sim.friction[cell]));
     }
 }
 
+/// (8)
+void addGravity(SimState& sim, int stage, std::int32_t cell) {
+    if (sim.wallVelocity(cell, 0) != 0) return;
+    for (int dim = 1; dim <= sim.nDim; ++dim)
+        accumulate(sim.stageMomentum(stage, cell, dim), double(sim.gravity[dim]) * double(sim.cellMass[cell]));
+}
+
+/// (P1), (P2)
 void updateMassAndDensity(SimState& sim, std::int32_t cell) {
     float mass = 0;
     for (int species = 0; species <= sim.nsMax; ++species)
@@ -127,6 +139,7 @@ void updateMassAndDensity(SimState& sim, std::int32_t cell) {
     sim.density[cell] = static_cast<float>(double(mass) / double(sim.cellVolume[cell]));
 }
 
+/// (P3)
 void updateConcentrations(SimState& sim, std::int32_t cell) {
     const double mass = sim.cellMass[cell];
     for (int species = 0; species <= sim.nsMax; ++species) {
@@ -143,11 +156,12 @@ void checkDensity(SimState& sim, const Interface& ui, std::int32_t cell) {
     // "not >=" instead of "<": a NaN fails every comparison, and it has to stop the run as well.
     if (!(sim.density[cell] >= 0.0f)) {
         ui.showMessage("Stopped because of negative density in point " + std::to_string(cell));
-        sim.stopFlag = 1;
+        sim.stopFlag = true;
         sim.outcome.negativeDensity = true;
     }
 }
 
+/// (P4)
 void updateTemperature(SimState& sim, std::int32_t cell) {
     float& energy = sim.stageEnergy(sim.stageWork, cell);
     const double capacity = double(sim.heatCapacity[cell]) * double(sim.cellMass[cell]);
@@ -168,6 +182,7 @@ float imposedVelocity(const SimState& sim, std::int32_t cell, int dim) {
     return static_cast<float>(ramp * init * reference / density);
 }
 
+/// (P5)
 void updateVelocities(SimState& sim, std::int32_t cell) {
     const double mass = sim.cellMass[cell];
     for (int dim = 1; dim <= sim.nDim; ++dim) {
@@ -183,6 +198,7 @@ void updateVelocities(SimState& sim, std::int32_t cell) {
     }
 }
 
+/// (P6)
 void updatePressure(SimState& sim, std::int32_t cell) {
     if (sim.wallPressure[cell] < 0) return;
     sim.pressure[cell] = static_cast<float>(double(sim.gasFactor) * double(sim.cellMass[cell])
@@ -204,11 +220,13 @@ struct SlotValues {
     }
 };
 
+/// (S2)
 template <class Slots>
 void formTrial(SlotValues<Slots> q, int stage, double h) {
     q.at(workSlot) = static_cast<float>(double(q.at(committedSlot)) + h * double(q.at(stage - 1)));
 }
 
+/// (S3)
 template <class Slots>
 void completeStep(SlotValues<Slots> q, double dt) {
     const double k1 = q.at(1);
@@ -277,11 +295,12 @@ void computeSlopes(SimState& sim, int stage) {
     for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
         clearSlopes(sim, stage, cell);
         for (int faceIndex = 1; faceIndex <= 2 * sim.nDim; ++faceIndex) faceTerms(sim, stage, cell, faceIndex);
-        addDragAndGravity(sim, stage, cell);
+        addDrag(sim, stage, cell);
+        addGravity(sim, stage, cell);
         addSink(sim, stage, cell);
         addSpeciesExchange(sim, stage, cell);
     }
-    if (sim.radActive == 1) radiationPairs(sim, stage);
+    if (sim.radActive) radiationPairs(sim, stage);
 }
 
 } // namespace norvane::plain

@@ -1,5 +1,6 @@
 #pragma once
-// The stages of a step cell by cell, as the formulas stand: the yardstick of the engine, in bits and in speed.
+// The stages of a step cell by cell, as docs/equations.md has them with its numbers: the yardstick of every engine, in
+// bits and in speed.
 
 #include "core/sim_state.h"
 #include "platform/interface.h"

@@ -1,6 +1,6 @@
 #include "support/test_program.h"
 
-#include "core/stage_engine.h"
+#include "core/processor_engine.h"
 #include "shell/command_window.h"
 
 #include <gtest/gtest.h>

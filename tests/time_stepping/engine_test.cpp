@@ -1,14 +1,19 @@
 // The engine gives the bits of the plain evaluation, cell by cell, formula by formula, on random models with
 // everything in them: for every instruction set of this machine and for any number of threads.
 
-#include "core/stage_engine.h"
+#include "core/processor_engine.h"
+#include "core/source_terms.h"
 #include "support/plain_stage.h"
+#include "support/remote_engine.h"
 #include "support/test_program.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <bit>
+#include <fstream>
+#include <functional>
+#include <iterator>
 #include <random>
 
 namespace norvane {
@@ -112,7 +117,7 @@ private:
 };
 
 void addRandomPairs(SimState& sim, RandomModel& random) {
-    sim.radActive = 1;
+    sim.radActive = true;
     sim.sigmaRoot = 0.0154;
     sim.radPairCount = 5;
     sim.radFactor.allocate(0, 5);
@@ -124,8 +129,10 @@ void addRandomPairs(SimState& sim, RandomModel& random) {
     }
 }
 
-/// Runs steps of a model both ways and compares after each stage.
-void compareRuns(const SimState& start, const RowKernels& kernels, int threads, const std::string& name) {
+using MakeEngine = std::function<StageEngine(SimState& sim)>;
+
+/// Runs steps of a model both ways and compares after each stage. Any engine has to pass.
+void compareRuns(const SimState& start, const MakeEngine& makeEngine, const std::string& name) {
     SimState engine = start;
     SimState plainly = start;
     std::string engineMessages;
@@ -134,17 +141,22 @@ void compareRuns(const SimState& start, const RowKernels& kernels, int threads, 
     Interface plainUi;
     ui.showMessage = [&](const Report& report) { engineMessages += report.text + "\n"; };
     plainUi.showMessage = [&](const Report& report) { plainMessages += report.text + "\n"; };
-    StagePlan plan = planStages(engine, threads, kernels);
-    plan.stripRows = std::min<std::int64_t>(plan.stripRows, threads); // small grids would be one strip
+    const StageEngine stages = makeEngine(engine);
+    int stage = 0;
+    const auto report = [&](const StageFault& fault) {
+        EXPECT_EQ(fault.stage, stage);
+        reportFault(engine, ui, fault);
+    };
     for (int step = 1; step <= 4; ++step) {
         engine.stepCount = plainly.stepCount = step;
-        for (int stage = 1; stage <= 4; ++stage) {
-            runStage(engine, ui, plan, stage);
+        for (stage = 1; stage <= 4; ++stage) {
+            stages.runStage(stage, report);
+            if (stages.download) stages.download();
             plain::formWorkState(plainly, stage);
             plain::updatePrimitives(plainly, plainUi);
             plain::computeSlopes(plainly, stage);
             ASSERT_EQ(difference(engine, plainly), "")
-                << name << ", step " << step << ", stage " << stage << ", " << kernels.name << ", threads " << threads;
+                << name << ", step " << step << ", stage " << stage << ", " << stages.name;
         }
     }
     ASSERT_TRUE(engineMessages == plainMessages) << name << ": other messages, or in another order";
@@ -161,12 +173,56 @@ TEST(engine, givesTheBitsOfThePlainEvaluation) {
         test.sim.stageWork = workSlot;
         dimensionsSeen |= 1 << test.sim.nDim;
         if (random.pick(0, 3) == 0) addRandomPairs(test.sim, random);
+        const std::string name = "seed " + std::to_string(seed);
         for (int k = 0; k < available.count; ++k)
-            for (int threads = 1; threads <= 3; ++threads)
-                compareRuns(test.sim, *available.kernels[k], threads, "seed " + std::to_string(seed));
+            for (int threads = 1; threads <= 3; ++threads) {
+                const auto makeEngine = [&](SimState& sim) {
+                    StagePlan plan = planStages(sim, threads, *available.kernels[k]);
+                    plan.tileRows = std::min<std::int64_t>(plan.tileRows, threads); // small grids would be one tile
+                    return processorEngine(sim, std::move(plan));
+                };
+                compareRuns(test.sim, makeEngine, name + ", threads " + std::to_string(threads));
+            }
+        compareRuns(test.sim, remoteEngine, name);
         if (testing::Test::HasFatalFailure()) return;
     }
     EXPECT_EQ(dimensionsSeen, 0b111110) << "all of one to five dimensions";
+}
+
+/// The fields as a run shows them in each yield and leaves them to each output; commands are taken between stages.
+std::vector<std::uint64_t> fieldsOfRun(const MakeEngine& makeEngine) {
+    TestProgram test;
+    std::vector<std::uint64_t> hashes;
+    test.program.operations.makeEngine = makeEngine;
+    test.program.operations.output("plot").write = [&](SimState& sim) { hashes.push_back(stateHash(sim)); };
+    int yields = 0;
+    test.ui.yieldToInterface = [&] {
+        hashes.push_back(stateHash(test.sim));
+        yields += 1;
+        if (yields == 8) test.click("NV_in.Command6"); // Save
+        if (yields != 18) return;
+        test.click("NV_in.Command7"); // Recall
+        EXPECT_NE(stateHash(test.sim), hashes.back()) << "the recall changes nothing";
+    };
+    test.load("DT 1E-5:NT 9:UT 1:DD 0;0.01:LA 5\t\t\nL\t\t\nPP 2E5\t\tTT 400\n\tVV 1;3:WV 1;-2\t\nL\t\t");
+    test.click("NV_in.Command2");
+    hashes.push_back(stateHash(test.sim));
+    return hashes;
+}
+
+TEST(engine, hasAnEquationForEachTermOfCells) {
+    std::ifstream file(NORVANE_EXAMPLES "/../docs/equations.md", std::ios::binary);
+    const std::string equations{std::istreambuf_iterator<char>(file), {}};
+    std::size_t heading = 0; // they come in the order in which they are added
+    for (const CellTerm& term : cellTerms()) {
+        heading = equations.find(std::string(") ") + term.name + "\n", heading);
+        ASSERT_NE(heading, std::string::npos) << term.name;
+    }
+}
+
+TEST(engine, mayKeepTheFieldsElsewhere) {
+    const std::vector<std::uint64_t> here = fieldsOfRun({});
+    EXPECT_EQ(fieldsOfRun(remoteEngine), here);
 }
 
 /// Uniform gas at rest with a hot cell: rows rest until the wave comes in, and the bits are those of the plain
@@ -181,7 +237,7 @@ void compareWaveInRestingGas(const std::string& table, int threads) {
     std::int64_t mostResting = 0;
     for (int step = 1; step <= 12; ++step)
         for (int stage = 1; stage <= 4; ++stage) {
-            runStage(test.sim, test.ui, plan, stage);
+            runStage(test.sim, plan, stage, [&](const StageFault& fault) { reportFault(test.sim, test.ui, fault); });
             plain::formWorkState(plainly, stage);
             plain::updatePrimitives(plainly, test.ui);
             plain::computeSlopes(plainly, stage);
