@@ -109,6 +109,11 @@ Checkup checkLoaded(SimState& sim, const RunEvents& events) {
 }
 
 Checkup checkGeometry(const std::string& path) {
+    SimState sim;
+    return checkGeometry(path, sim);
+}
+
+Checkup checkGeometry(const std::string& path, SimState& sim) {
     Checkup checkup;
     std::string bytes;
     const FileResult read = readBeginning(path, beginningBytes, bytes);
@@ -117,7 +122,6 @@ Checkup checkGeometry(const std::string& path) {
         return checkup;
     }
     if (!checkBytes(bytes, checkup.findings)) return checkup;
-    SimState sim;
     Interface ui;
     Findings ofLoad;
     ui.showMessage = [&](const Report& report) { ofLoad.add(findingOf(report)); };

@@ -38,7 +38,9 @@ struct Checkup {
     ModelSummary summary;
 };
 
-/// Checks a geometry file with all that its table, its texts and its model can show. Writes no file.
+/// Checks a geometry file with all that its table, its texts and its model can show. Writes no file. `sim` takes the
+/// model, where there is one; it has to be new.
+Checkup checkGeometry(const std::string& path, SimState& sim);
 Checkup checkGeometry(const std::string& path);
 
 /// Checks a geometry that has been loaded: its frame, texts and model. Builds the model; afterwards runMode is as it

@@ -2,6 +2,7 @@
 
 #include "check/item_rules.h"
 #include "geometry/cell_keywords.h"
+#include "geometry/table_edit.h"
 
 #include <algorithm>
 #include <map>
@@ -236,7 +237,7 @@ void checkTexts(const SimState& sim, Findings& findings) {
             if (row == sim.firstLayerRow && column == 1) text.remove_prefix(std::min(text.find(':'), text.size()));
             if (text.empty() || text.find('\t') != std::string_view::npos) continue; // beyond the width
             checkText(text, where, findings);
-            if (isDefaults) checkDefaultsTwice(text, where, given, findings);
+            if (isDefaults) checkDefaultsTwice(text.substr(0, text.find(addedItem)), where, given, findings);
         }
     }
 }

@@ -63,7 +63,7 @@ void setCellText(SimState& sim, std::int32_t cell, const std::string& text) {
 
 void addDefault(SimState& sim, const std::string& item) {
     const std::string_view last = sim.grid.text(sim.gridCols, sim.firstLayerRow, sim.gridCols);
-    sim.grid = withText(sim, sim.firstLayerRow, sim.gridCols, std::string(last) + ":" + item);
+    sim.grid = withText(sim, sim.firstLayerRow, sim.gridCols, std::string(last) + addedItem + item);
 }
 
 std::string applyChange(SimState& sim, const std::string& change) {

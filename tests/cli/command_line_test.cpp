@@ -185,5 +185,74 @@ TEST(commandLine, givesUpATextWithoutSeparatorsEarly) {
     EXPECT_LT(usage.ru_maxrss, 500000) << "KB";
 }
 
+TEST(commandLine, refusesADrawingThatNoRunCanComeOf) {
+    TestProgram test;
+    test.write("bad.gmt", square(3, "DT 1E-5:RH 0"));
+    const Outcome refused = runProgram("run bad.gmt");
+    EXPECT_EQ(refused.status, 3);
+    EXPECT_THAT(refused.out, HasSubstr("bad.gmt:A1: error: \"RH 0\""));
+    const Outcome forced = runProgram("run bad.gmt --force");
+    EXPECT_EQ(forced.status, 1) << "a temperature that is no number ends the run";
+    EXPECT_THAT(forced.out, HasSubstr("Step 1 after"));
+    EXPECT_THAT(forced.out, HasSubstr("of cell A3 (point 1) is"));
+    test.write("odd.gmt", square(3, "DT 1E-5:OUTLET"));
+    EXPECT_EQ(runProgram("run odd.gmt").status, 0);
+    EXPECT_EQ(runProgram("run odd.gmt --strict").status, 3);
+    EXPECT_EQ(runProgram("check odd.gmt bad.gmt").status, 3);
+    EXPECT_EQ(runProgram("check odd.gmt").status, 0);
+    EXPECT_EQ(runProgram("check odd.gmt --strict").status, 3);
+}
+
+TEST(commandLine, namesTheTableCellOfAFaultyPointAndTheCause) {
+    TestProgram test;
+    test.write("m.gmt", "DT 1:NT 50\t\t\nL\t\t\nPP 2E5\t\t\n\t\t\nL\t\t");
+    const Outcome outcome = runProgram("run m.gmt");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.out,
+                testing::ContainsRegex("Stopped because of negative density in point 1\npoint 1 is table cell A3: T "));
+    EXPECT_THAT(outcome.out, testing::ContainsRegex("DT is [0-9]+.* times the largest stable step. Try DT 0.0000"));
+}
+
+TEST(commandLine, changesTheDrawingInMemoryAndTheNamesOfItsOutputs) {
+    TestProgram test;
+    const std::string table = square(3, "DT 1E-5:NT 50:UT 1");
+    test.write("m.gmt", table);
+    const Outcome outcome = runProgram("run m.gmt --set DT=2E-6 --set \"DD 0=0,02\" --set b4=\"TT 400\" --time 1E-5 "
+                                       "-o runs/a --name hot --stop-file own --summary s.json");
+    EXPECT_EQ(outcome.status, 0) << outcome.out;
+    EXPECT_THAT(outcome.out, testing::StartsWith("m.gmt: 3 x 3 cells, 5 steps of 2E-06 s\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("(B4) \u00b0C"));
+    EXPECT_THAT(test.read("runs/a/hot_out"), HasSubstr("126.8"));
+    EXPECT_TRUE(test.exists("own"));
+    EXPECT_FALSE(test.exists("m_out") || test.exists("checkstop"));
+    EXPECT_EQ(test.read("m.gmt"), table);
+    EXPECT_THAT(test.read("s.json"), HasSubstr("\"end\": \"stopStep\",\n  \"step\": 5,"));
+    for (const char* change : {"DT", "DT=abc", "A1=TT 5", "D3=TT 5", "NS=2", "GG=9", "TT 1=5", "=5"})
+        EXPECT_EQ(runProgram("run m.gmt --set \"" + std::string(change) + "\"").status, 2) << change;
+    EXPECT_EQ(runProgram("run m.gmt --name a/b").status, 2);
+    EXPECT_EQ(runProgram("run m.gmt -o m.gmt").status, 2);
+    test.write("x_out", table);
+    EXPECT_EQ(runProgram("run x_out --name x").status, 2) << "the outputs would replace the drawing";
+}
+
+TEST(commandLine, showsAndComparesDrawings) {
+    TestProgram test;
+    test.write("a.gmt", square(3, "DT 1E-5"));
+    test.write("b.gmt", square(3, "TT 310:DT 1E-5"));
+    EXPECT_THAT(runProgram("show a.gmt b4").out,
+                HasSubstr("B4: cell 5, coordinates 1, 1, 0.01 to 0.02, 0.01 to 0.02 m\n"));
+    EXPECT_THAT(runProgram("show a.gmt").out, HasSubstr("DT     0.00001 s"));
+    EXPECT_EQ(runProgram("show b.gmt --key tt").out, "310\t310\t310\n310\t310\t310\n310\t310\t310\n");
+    EXPECT_EQ(runProgram("show a.gmt Z9").status, 2);
+    EXPECT_EQ(runProgram("show a.gmt --key XX").status, 2);
+    EXPECT_EQ(runProgram("diff a.gmt a.gmt").status, 0);
+    const Outcome outcome = runProgram("diff a.gmt b.gmt");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.out, HasSubstr("A3: TT 298.15 -> 310\n"));
+    EXPECT_EQ(runProgram("check a.gmt --picture p.png").status, 0);
+    EXPECT_EQ(test.read("p.png").substr(1, 3), "PNG");
+    EXPECT_EQ(runProgram("check a.gmt --picture p.txt").status, 2);
+}
+
 } // namespace
 } // namespace norvane

@@ -2,7 +2,9 @@
 
 #include "check/model_rules.h"
 #include "core/number_text.h"
+#include "frontends/cli/console.h"
 #include "frontends/cli/json_text.h"
+#include "frontends/cli/kind_picture.h"
 #include "platform/terminal_text.h"
 
 #include <algorithm>
@@ -137,6 +139,28 @@ std::string jsonOf(const std::string& geometry, const Checkup& checkup) {
            + (findings.empty() ? "" : "\n") + joined(findings, ",\n") + "]}";
 }
 
+/// Gives false after a message.
+bool takesPicture(const CheckOptions& options) {
+    const bool isOne = options.geometries.size() == 1;
+    if (!isOne)
+        std::fprintf(stderr, "--picture: one picture shows one geometry\n");
+    else if (!isPictureName(options.picture))
+        std::fprintf(stderr, "--picture: \"%s\" is not a name that ends in .png, .svg, .pdf or .bmp\n",
+                     printableName(options.picture).c_str());
+    return isOne && isPictureName(options.picture) && !wouldOverwrite(options.geometries.front(), options.picture);
+}
+
+bool writePictureOf(const SimState& sim, const Checkup& checkup, const std::string& path) {
+    if (checkup.summary.cells == 0) {
+        std::fprintf(stderr, "There is no model to draw a picture of.\n");
+        return true; // the findings say why
+    }
+    const FileResult written = writeKindPicture(sim, checkup.findings, path);
+    if (!written)
+        std::fprintf(stderr, "%s can't be written: %s\n", printableName(path).c_str(), written.reason.c_str());
+    return static_cast<bool>(written);
+}
+
 } // namespace
 
 std::string findingLine(const std::string& geometry, const Finding& finding) {
@@ -149,13 +173,16 @@ std::string findingLine(const std::string& geometry, const Finding& finding) {
 ExitStatus checkGeometries(const CheckOptions& options) {
     bool passes = true;
     std::vector<std::string> documents;
+    if (!options.picture.empty() && !takesPicture(options)) return exitBadUse;
     for (const std::string& geometry : options.geometries) {
-        const Checkup checkup = checkGeometry(geometry);
+        SimState sim;
+        const Checkup checkup = checkGeometry(geometry, sim);
         passes = passes && checkup.findings.errors == 0 && !(options.strict && checkup.findings.warnings > 0);
         if (options.format == "json")
             documents.push_back(jsonOf(geometry, checkup));
         else
             printText(geometry, checkup, options);
+        if (!options.picture.empty() && !writePictureOf(sim, checkup, options.picture)) return exitFileFault;
     }
     if (options.format == "json") std::printf("[\n%s\n]\n", joined(documents, ",\n").c_str());
     return passes ? exitDone : exitNoModel;

@@ -157,6 +157,8 @@ CLI::App* addCheck(CLI::App& app, CheckOptions& options) {
     check->add_option("GEOMETRY", options.geometries, "the geometries (*.gmt)")->required();
     check->add_option("--format", options.format, "text or json")->check(CLI::IsMember({"text", "json"}));
     check->add_flag("--strict", options.strict, "exit status 3 for warnings, too");
+    check->add_option("--picture", options.picture, "draw what each cell is; .png, .svg, .pdf or .bmp")
+        ->type_name("FILE");
     check->add_flag("--suggest", options.suggest, "print a time step to write");
     check->footer("Exit status: 0 no error, 2 bad use, 3 a geometry has an error (or with --strict a warning).");
     return check;
