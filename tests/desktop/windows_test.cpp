@@ -231,7 +231,7 @@ QString setThreads(const char* control, const QString& number, Qt::Key answer) {
     QContextMenuEvent event(QContextMenuEvent::Keyboard, place->rect().center(), {5, 5});
     QApplication::sendEvent(place, &event);
     auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-    if (menu == nullptr || menu->actions().size() != 1) return "(no menu)";
+    if (menu == nullptr || menu->actions().size() != 2) return "(no menu)";
     QAction* entry = menu->actions().front();
     menu->close();
     QString shown;
@@ -266,6 +266,22 @@ TEST(windows, keepTheNumberOfThreadsForTheNextRuns) {
     Desktop(named.program).start({named.folder.string(), "norvane", {}});
     EXPECT_EQ(named.sim.threads, 5);
     EXPECT_EQ(Screen().test.sim.threads, 2) << "which counts for one start";
+}
+
+TEST(windows, checkTheSelectedGeometry) {
+    Screen screen;
+    std::vector<std::string> shown;
+    screen.test.ui.showMessage = [&](const Report& report) { shown.push_back(report.text); };
+    screen.test.write("m.gmt", "DT 1E-6\t\nL\t\nTT 3oo\t\nL\t");
+    auto* window = findWindow("NV_in");
+    for (QAction* action : window->actions())
+        if (action->text().startsWith("Check")) action->trigger();
+    selectGeometry(screen.test.program, "m.gmt");
+    for (QAction* action : window->actions())
+        if (action->text().startsWith("Check")) action->trigger();
+    EXPECT_THAT(shown,
+                testing::ElementsAre(HasSubstr("Select a geometry"), HasSubstr("m.gmt:A3: warning: \"TT 3oo\"")));
+    EXPECT_EQ(screen.test.sim.nDim, 0) << "nothing is loaded";
 }
 
 TEST(windows, selectorsFollowLettersAndOnlyTheirOwnWheel) {

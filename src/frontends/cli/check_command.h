@@ -20,7 +20,4 @@ struct CheckOptions {
 /// with `strict` a warning.
 ExitStatus checkGeometries(const CheckOptions& options);
 
-/// "plate.gmt:D17: warning: "TT 3oo": ..." without a line end.
-std::string findingLine(const std::string& geometry, const Finding& finding);
-
 } // namespace norvane

@@ -1,10 +1,10 @@
 #include "frontends/cli/run_report.h"
 
+#include "check/check_text.h"
 #include "check/model_rules.h"
 #include "check/table_rules.h"
 #include "core/number_text.h"
 #include "core/quantities.h"
-#include "frontends/cli/check_command.h"
 #include "frontends/cli/json_text.h"
 #include "platform/terminal_text.h"
 
@@ -32,7 +32,7 @@ std::vector<std::string> findingLines(const std::string& geometry, const Finding
     for (const Finding& finding : findings.list) {
         if (finding.severity == Severity::note) continue;
         if (lines.size() < most)
-            lines.push_back(findingLine(geometry, finding));
+            lines.push_back(printableName(findingLine(geometry, finding)));
         else
             ++more;
     }

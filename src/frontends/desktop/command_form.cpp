@@ -1,5 +1,6 @@
 #include "frontends/desktop/command_form.h"
 
+#include "check/check_text.h"
 #include "frontends/desktop/thread_setting.h"
 #include "frontends/desktop/window_places.h"
 #include "platform/files.h"
@@ -13,10 +14,26 @@
 #include <QUrl>
 #include <algorithm>
 #include <chrono>
+#include <string>
+#include <vector>
 
 namespace norvane {
 
 namespace {
+
+/// As many lines as a box of a small screen has room for.
+std::string firstLines(const std::vector<std::string>& lines) {
+    constexpr std::size_t most = 16;
+    constexpr std::size_t atEnd = 5; // how many findings there are, and what the model is
+    std::string text;
+    for (std::size_t k = 0; k < lines.size(); ++k) {
+        const bool isLeftOut = lines.size() > most && k + atEnd >= most && k + atEnd < lines.size();
+        if (isLeftOut && k + atEnd == most)
+            text += "... and " + std::to_string(lines.size() - most) + " more findings; norvane check shows all\r\n";
+        if (!isLeftOut) text += lines[k] + "\r\n";
+    }
+    return text;
+}
 
 /// The path of the one geometry that is dragged; empty for anything else.
 std::string draggedGeometry(const QMimeData& data) {
@@ -47,6 +64,7 @@ CommandForm::CommandForm(Program& program, Act act)
     addButton("Command7", {720, 4920, 735, 375});
     geometries_->entered = [import] { import->click(); };
     setAcceptDrops(true);
+    addCheck();
     addThreads();
 }
 
@@ -84,10 +102,29 @@ void CommandForm::addThreads() {
     });
 }
 
+/// Neither is the check, which looks at the file as it is now, loaded or not.
+void CommandForm::addCheck() {
+    check_ = new QAction("Check the &geometry", this);
+    check_->setShortcut(Qt::CTRL | Qt::Key_K);
+    addAction(check_);
+    connect(check_, &QAction::triggered, this, [this] {
+        act_([this] {
+            const FileList& files = program_.ui.NV_in.File1;
+            if (files.selected.empty()) {
+                program_.ui.showMessage("Select a geometry in the list first.");
+                return;
+            }
+            const Checkup checkup = checkGeometry(joinPath(files.path, files.selected));
+            program_.ui.showMessage(firstLines(checkLines(files.selected, checkup, true)));
+        });
+    });
+}
+
 void CommandForm::contextMenuEvent(QContextMenuEvent* event) {
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->addAction(threads_);
+    menu->addAction(check_);
     menu->popup(event->globalPos()); // without waiting: a run goes on meanwhile
 }
 

@@ -30,6 +30,7 @@ protected:
 private:
     void addLists();
     void addThreads();
+    void addCheck();
     void refreshLists();
 
     QPlainTextEdit* status_ = nullptr;
@@ -37,6 +38,7 @@ private:
     FolderList* folders_ = nullptr;
     GeometryList* geometries_ = nullptr;
     QFileSystemWatcher watcher_;
+    QAction* check_ = nullptr;
     QAction* threads_ = nullptr;
     QTimer changed_; ///< runs while the folder is known to have changed
     double factor_ = 1;

@@ -1,0 +1,119 @@
+#include "check/check_text.h"
+
+#include "check/model_rules.h"
+#include "core/number_text.h"
+
+#include <cmath>
+#include <utility>
+
+namespace norvane {
+
+namespace {
+
+std::string number(double value) { return generalText(static_cast<float>(value)); }
+
+/// With four digits, for people.
+std::string rounded(double value) {
+    if (value == 0 || !std::isfinite(value)) return number(value);
+    const double unit = std::pow(10, std::floor(std::log10(std::abs(value))) - 3);
+    return number(std::round(value / unit) * unit);
+}
+
+std::string joined(const std::vector<std::string>& parts, const char* separator) {
+    std::string text;
+    for (const std::string& part : parts) text += (text.empty() ? "" : separator) + part;
+    return text;
+}
+
+std::string counted(std::int64_t count, const char* what) {
+    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+/// The other places of a finding: " (also B4, B5 and 17 more)".
+std::string otherPlaces(const Finding& finding) {
+    if (finding.also.empty()) return {};
+    std::vector<std::string> places;
+    for (const TablePlace& place : finding.also) places.push_back(spreadsheetAddress(place));
+    const std::int64_t more = finding.count - 1 - static_cast<std::int64_t>(places.size());
+    return " (also " + joined(places, ", ") + (more > 0 ? " and " + std::to_string(more) + " more" : "") + ")";
+}
+
+std::string kindsText(const ModelSummary& summary) {
+    const std::pair<std::int32_t, const char*> counts[] = {
+        {summary.walls, "wall"},         {summary.inlets, "inlet"},  {summary.outlets, "outlet"},
+        {summary.held, "held"},          {summary.heated, "heated"}, {summary.reacting, "reacting"},
+        {summary.radiating, "radiating"}};
+    std::vector<std::string> parts;
+    for (const auto& [count, name] : counts)
+        if (count > 0) parts.push_back(std::to_string(count) + " " + name);
+    return parts.empty() ? "all cells are gas" : "of them " + joined(parts, ", ");
+}
+
+std::string stepText(const ModelSummary& summary) {
+    const LimitingCell limit = summary.stable.smallest();
+    std::string text = "steps: " + std::to_string(summary.steps) + " of " + number(summary.dt) + " s, "
+                       + rounded(summary.dt * summary.steps) + " s in all";
+    if (limit.cell == 0) return text;
+    return text + "; DT is " + rounded(summary.dt / limit.step) + " of the largest stable step (by "
+           + limitName(summary.stable.kind()) + ")";
+}
+
+std::vector<std::string> summaryLines(const ModelSummary& summary, bool suggests) {
+    std::vector<std::string> shape;
+    std::vector<std::string> lengths;
+    for (const int count : summary.shape) shape.push_back(std::to_string(count));
+    for (const double length : summary.lengths) lengths.push_back(rounded(length));
+    const std::string gas = gasNear(summary.gasFactor);
+    std::vector<std::string> lines = {"  " + joined(shape, " x ") + " cells, " + joined(lengths, " x ") + " m, "
+                                          + std::to_string(summary.species) + " species; " + kindsText(summary),
+                                      "  gas constant " + rounded(summary.gasFactor) + " J/(kg K)"
+                                          + (gas.empty() ? "" : " (near " + gas + ")") + ", speed of sound "
+                                          + rounded(summary.soundSpeed) + " m/s; memory "
+                                          + number(std::ceil(summary.bytes / 1e6)) + " MB",
+                                      "  " + stepText(summary)};
+    if (suggests && suggestedStep(summary.stable) > 0)
+        lines.push_back("  write DT " + number(suggestedStep(summary.stable)));
+    return lines;
+}
+
+} // namespace
+
+const char* severityName(Severity severity) {
+    switch (severity) {
+    case Severity::error: return "error";
+    case Severity::warning: return "warning";
+    default: return "note";
+    }
+}
+
+const char* limitName(StepLimit kind) {
+    switch (kind) {
+    case StepLimit::sound: return "sound";
+    case StepLimit::conduction: return "conduction";
+    case StepLimit::friction: return "friction";
+    case StepLimit::reaction: return "reaction";
+    default: return "none";
+    }
+}
+
+std::string findingLine(const std::string& geometry, const Finding& finding) {
+    const std::string address = spreadsheetAddress(finding.place);
+    return geometry + ":" + (address.empty() ? "" : address + ":") + " " + severityName(finding.severity) + ": "
+           + (finding.item.empty() ? "" : "\"" + finding.item + "\": ") + finding.text + otherPlaces(finding);
+}
+
+std::vector<std::string> checkLines(const std::string& geometry, const Checkup& checkup, bool suggests) {
+    std::vector<std::string> lines;
+    for (const Finding& finding : checkup.findings.list) lines.push_back(findingLine(geometry, finding));
+    for (const auto& [rule, count] : checkup.findings.countOfRule)
+        if (count > Findings::keptOfRule)
+            lines.push_back(geometry + ": ... and " + std::to_string(count - Findings::keptOfRule)
+                            + " more of the kind \"" + rule + "\"");
+    lines.push_back(geometry + ": " + counted(checkup.findings.errors, "error") + ", "
+                    + counted(checkup.findings.warnings, "warning"));
+    if (checkup.summary.cells > 0)
+        for (std::string& line : summaryLines(checkup.summary, suggests)) lines.push_back(std::move(line));
+    return lines;
+}
+
+} // namespace norvane
