@@ -117,7 +117,7 @@ void takeTable(SimState& sim, const PairTable& table) {
 /// Reads the file; of one that begins with no separator for longer than any number is, no more than that.
 FileResult readNumbers(const std::string& path, std::string& bytes) {
     constexpr std::size_t longestItem = std::size_t{1} << 12;
-    const FileResult read = readBeginning(path, longestItem, bytes);
+    FileResult read = readBeginning(path, longestItem, bytes);
     if (!read || bytes.size() < longestItem || wholeItems(bytes) == 0) return read;
     return readFile(path, bytes);
 }
