@@ -8,6 +8,7 @@
 
 #include <filesystem>
 #include <iterator>
+#include <map>
 #include <set>
 #include <sstream>
 
@@ -52,6 +53,32 @@ TEST(examples, showInTheirFirstPicturesWhatTheyAreAbout) {
         count += 1;
     }
     EXPECT_GT(count, 0);
+}
+
+/// What an example has come to at its end; of facing walls with the heat that they radiate.
+std::uint64_t finalState(const std::string& name) {
+    TestProgram test;
+    test.loadExample(name);
+    const std::filesystem::path factors = std::filesystem::path(NORVANE_EXAMPLES) / (name + "_rad");
+    if (std::filesystem::exists(factors)) {
+        std::filesystem::copy(factors, test.folder);
+        test.click("NV_in.Command8");
+    }
+    test.click("NV_in.Command2");
+    EXPECT_EQ(test.sim.stepCount, test.sim.stepLimit) << name;
+    return stateHash(test.sim);
+}
+
+TEST(examples, endInTheBitsThatAreStoredHere) {
+    const std::map<std::string, std::uint64_t> stored = {
+        {"channel", 12721413473173760973u},      {"duct_obstacle", 10222256771564305970u},
+        {"facing_walls", 15879352510819298393u}, {"heated_cavity", 8587894640301585683u},
+        {"reactor", 11587320877101789701u},      {"shock_tube", 9264834983483690054u},
+    };
+    std::map<std::string, std::uint64_t> found;
+    for (const auto& entry : std::filesystem::directory_iterator(NORVANE_EXAMPLES))
+        if (entry.path().extension() == ".gmt") found[entry.path().stem()] = finalState(entry.path().stem());
+    EXPECT_EQ(found, stored);
 }
 
 } // namespace

@@ -82,7 +82,8 @@ public:
 
 private:
     std::string defaults() {
-        std::string text = "DT 1E-5:DD 0;0.01:LA 5:ET 0.1:TR 3:CC 1;0.3:RR " + std::to_string(pick(0, 50));
+        std::string text = "DT 1E-5:DD 0;0.01:LA 5:ET 0.1:TR 3:CC 1;0.3:RR " + std::to_string(pick(0, 50)) + ":RH "
+                           + std::to_string(pick(1, 3));
         if (pick(0, 1) == 0) text += ":GG 1;-3:GG 2;9.81";
         if (pick(0, 1) == 0) text += ":GP 11;1E-6:GP 12;9000:GP 13;0.5:GP 14;5000:GP 15;0.01";
         if (pick(0, 7) == 0) text += ":ET 0:LA 0";

@@ -114,6 +114,20 @@ TEST(schedule, plotsLogsAndSavesAtTheirSteps) {
     EXPECT_THAT(snaps, ElementsAre());
 }
 
+TEST(schedule, writesTheFilesOfItsOutputs) {
+    TestProgram test;
+    test.write("m_log", "old");
+    test.load("DT 1E-6:NT 5:ST 2\nL\n\nL");
+    test.click("NV_in.Command2");
+    EXPECT_EQ(test.read("m_state").substr(0, 9), " 1 \r\n 4 \r") << "of step 4";
+    EXPECT_EQ(test.read("m_log"), "old") << "the interval of the log is 0";
+    test.load("DT 1E-6:NT 5:LT 1\nL\n\nL");
+    test.click("NV_in.Command2");
+    const std::string log = test.read("m_log");
+    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 5);
+    EXPECT_EQ(log.find("old"), std::string::npos);
+}
+
 TEST(schedule, aRunWithoutALimitMakesOneStepOrGoesOnUntilItIsStopped) {
     TestProgram test;
     test.load("DT 1E-6\nL\n\nL");
@@ -142,6 +156,27 @@ TEST(log, holdsVelocityAndPressureOfItsCellAndStartsAnewOnlyWithANewGeometry) {
     test.click("NV_in.Command1");
     test.click("NV_in.Command5");
     EXPECT_EQ(test.read("m_log"), log);
+}
+
+TEST(log, isOfTheCellThatItsPlaceCountsToWhereAGridOfThreeDimensionsHasSoMany) {
+    // Two columns: column 4 counts on into the rows that follow, or is limited to the last one.
+    const auto loggedPressure = [](int layers, int rows, int cell) {
+        std::string table = "DT 1E-6:NT 1:LT 1\t\nL\t";
+        int count = 0;
+        for (int layer = 0; layer < layers; ++layer) {
+            for (int row = 0; row < rows; ++row)
+                for (int column = 0; column < 2; ++column)
+                    table += (column == 0 ? "\n" : "\t") + std::string(++count == cell ? ".PP 2E5:WP -1" : "");
+            table += "\nL\t";
+        }
+        TestProgram test;
+        test.load(table);
+        test.click("NV_in.Command2");
+        const std::string log = test.read("m_log");
+        return log.substr(log.find('\t') + 1);
+    };
+    EXPECT_EQ(loggedPressure(18, 17, 1 + 4 + 2 * 16 + 34 * 16), " 200000 \r\n");
+    EXPECT_EQ(loggedPressure(1, 20, 1 + 1 + 2 * 16), " 200000 \r\n");
 }
 
 TEST(log, thatCannotBeWrittenIsToldOnceAndTheRunGoesOn) {
