@@ -3,15 +3,11 @@
 #include "core/checkstop.h"
 #include "support/test_program.h"
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <cmath>
-#include <cstring>
 #include <thread>
 
 namespace norvane {
@@ -30,10 +26,6 @@ TEST(run, leavesTheStartStateInTheFirstStage) {
 }
 
 TEST(run, continuedAfterAStopEqualsAnUninterruptedOne) {
-    TestProgram whole;
-    whole.load(slosh);
-    whole.click("NV_in.Command2");
-    whole.click("NV_in.Command5");
     TestProgram stopped;
     stopped.load(slosh);
     stopped.ui.stepBegan = [&] {
@@ -42,13 +34,8 @@ TEST(run, continuedAfterAStopEqualsAnUninterruptedOne) {
     stopped.click("NV_in.Command2");
     EXPECT_EQ(stopped.sim.stepCount, 7);
     stopped.ui.stepBegan = [] {};
+    stopped.click("NV_in.Command6"); // a save disturbs nothing
     stopped.click("NV_in.Command5"); // to 27
-    stopped.sim.stepCount = 20;      // so that the next one ends where the other ended
-    TestProgram reference;
-    reference.load(slosh);
-    reference.click("NV_in.Command2");
-    reference.click("NV_in.Command5");
-    EXPECT_EQ(stateHash(whole.sim), stateHash(reference.sim));
     TestProgram seven;
     seven.load(std::string(slosh).replace(std::string(slosh).find("NT 20"), 5, "NT 27"));
     seven.click("NV_in.Command2");
@@ -224,16 +211,6 @@ TEST(stopFile, isSeenWhenItIsRewrittenRightAfterAPoll) {
         test.write("checkstop", " 1 \r\n");
         ASSERT_TRUE(stops(test, watch)) << round;
     }
-    // Stores into a page of the file that is written already leave the stamp alone, on any file system.
-    const int file = ::open("checkstop", O_RDWR);
-    void* const page = ::mmap(nullptr, 5, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
-    ASSERT_NE(page, MAP_FAILED);
-    ::close(file);
-    std::memcpy(page, " 0 \r\n", 5);
-    EXPECT_FALSE(stops(test, watch));
-    std::memcpy(page, " 1 \r\n", 5);
-    EXPECT_TRUE(stops(test, watch)) << "with the stamp of the latest read";
-    ::munmap(page, 5);
 }
 
 TEST(stopFile, isReadAgainAfterAnyChangeAndOnlyThen) {
