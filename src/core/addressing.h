@@ -23,7 +23,8 @@ inline bool inSameRow(const SimState& sim, std::int64_t cell, std::int64_t other
 
 /// Zero-based coordinate of a cell [1..nCells] along a dimension [1..nDim], a whole number.
 inline double cellCoordinate(const SimState& sim, std::int32_t cell, int dim) {
-    return static_cast<double>((cell - 1) % sim.cellStride[dim + 1] / sim.cellStride[dim]);
+    const std::int64_t coordinate = (cell - 1) % sim.cellStride[dim + 1] / sim.cellStride[dim];
+    return static_cast<double>(coordinate);
 }
 
 } // namespace norvane

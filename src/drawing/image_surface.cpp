@@ -103,7 +103,10 @@ PixelSpan spanBetween(float a, float b) {
 }
 
 /// The width of a line whose pixels are `pixel`.
-PixelSpan spanAcross(double pixel, int lineWidth) { return {pixel - lineWidth / 2, double(lineWidth)}; }
+PixelSpan spanAcross(double pixel, int lineWidth) {
+    const int before = lineWidth / 2;
+    return {pixel - before, double(lineWidth)};
+}
 
 /// Straight into the memory of an image: a plot may fill a million boxes, and Cairo's own way takes many times as long.
 void fillPixels(const Picture& image, Color color, PixelSpan x, PixelSpan y) {

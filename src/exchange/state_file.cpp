@@ -172,7 +172,7 @@ FileResult readState(const std::string& path, const SimState& sim, StateReader& 
         reader.wanted = static_cast<std::size_t>(sim.nCells) * static_cast<std::size_t>(sim.nDim + 1 + sim.nsMax + 1);
     };
     const auto take = [&](std::string_view piece) { return takePiece(reader, piece); };
-    const FileResult read = readWholeFile(path, {begin, take}, disturbed);
+    FileResult read = readWholeFile(path, {begin, take}, disturbed);
     const bool endsEarly = !reader.done() && reader.fitsCells && reader.latest != ItemKind::otherText;
     if (read && endsEarly) readItems(reader, reader.text); // the last item may lack a separator after it
     return read;

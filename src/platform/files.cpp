@@ -176,7 +176,7 @@ FileResult replaceFile(const std::string& path, std::string_view content) {
     }
     if (written) fs::rename(beside, target, failed);
     if (written && !failed) return {};
-    const FileResult fault = written ? FileResult{failed.value(), failed.message()} : failure(number);
+    FileResult fault = written ? FileResult{failed.value(), failed.message()} : failure(number);
     fs::remove(beside, failed);
     return fault;
 }

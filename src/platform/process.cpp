@@ -9,7 +9,6 @@
 #    include <spawn.h>
 #    include <sys/wait.h>
 #    include <unistd.h>
-extern char** environ;
 #endif
 
 namespace norvane {

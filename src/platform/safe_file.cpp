@@ -97,6 +97,7 @@ std::optional<Copy> findCopy(std::FILE* file) {
     std::size_t got = 0;
     if (lineBegin < 0 || !seekTo(file, lineBegin) || !readAll(file, line, Copy::textLength, got)) return std::nullopt;
     Copy copy;
+    // NOLINTNEXTLINE(cert-err34-c): a number out of range gives another text than the one that was read
     if (std::sscanf(line, " #copy %" SCNd64 " %" SCNd64 " %" SCNx64, &copy.begin, &copy.length, &copy.sum) != 3
         || copy.text() != std::string_view(line, Copy::textLength))
         return std::nullopt;
@@ -188,7 +189,7 @@ OverwriteResult overwrite(std::FILE* file, std::string_view content) {
     if (oldLength < 0) return failed(errno, FileHolds::oldContent);
     // What is marked still had no whole copy: there is no content to keep.
     if (oldLength == 0 || firstCharacter(file) == mark) return writeFirst(file, content);
-    const OverwriteResult placed = placeCopy(file, content, oldLength);
+    OverwriteResult placed = placeCopy(file, content, oldLength);
     if (!placed) return placed;
     errno = 0;
     return finishFront(file, content) ? OverwriteResult() : failed(errno, FileHolds::newContent);
@@ -237,7 +238,7 @@ FileResult readWholeFile(const std::string& path, const PieceReader& reader, boo
     do {
         reader.begin();
         bool steady = true;
-        const FileResult result = readOnce(path, reader, steady, disturbed);
+        FileResult result = readOnce(path, reader, steady, disturbed);
         if (steady) return result;
         disturbed = true;
         std::this_thread::sleep_for(20ms);

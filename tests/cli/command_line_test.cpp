@@ -5,7 +5,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -13,14 +12,16 @@
 
 #include <array>
 #include <chrono>
+#include <csignal>
+#include <cstdlib>
 #include <filesystem>
+#include <set>
 #include <thread>
 
 namespace norvane {
 namespace {
 
 using testing::HasSubstr;
-using testing::Not;
 
 std::string square(int side, const std::string& keys) {
     const std::string tabs(static_cast<std::size_t>(side) - 1, '\t');
@@ -92,6 +93,41 @@ TEST(commandLine, tellsFileAndReasonAfterTheSentenceOfTheSystem) {
     EXPECT_EQ(runProgram("run checkstop").status, 2);
     test.write("p.gmt", square(3, "DT 1E-6:NT 20:FT 1"));
     EXPECT_THAT(runProgram("run p.gmt").out, HasSubstr("of the snapshots of key FT were replaced"));
+}
+
+TEST(commandLine, makesAFilmOfTheNumberedPicturesAndKeepsThemWhereItFails) {
+    TestProgram test;
+    test.write("m.gmt", square(3, "DT 1E-6:NT 6:UT 0"));
+    // In place of the film: the list of its pictures, with what a picture of a step begins with.
+    test.write("ffmpeg", "#!/bin/sh\nwhile [ $# -gt 1 ]; do [ \"$1\" = -i ] && list=$2; shift; done\n"
+                         "head -c 4 m_000002.png >> \"$list\"; cp \"$list\" \"$1\"; exit ${FAULT:-0}\n");
+    std::filesystem::permissions("ffmpeg", std::filesystem::perms::owner_all);
+    const std::string path = "export PATH=\"$PWD:$PATH\";";
+    const std::string film = "run m.gmt --snapshots 2 --movie x.mp4";
+    const Outcome failed = runProgram(film, path + "export FAULT=1;");
+    EXPECT_EQ(failed.status, 4);
+    EXPECT_THAT(failed.out, HasSubstr("No film x.mp4: ffmpeg could not make it. The pictures "));
+    EXPECT_TRUE(test.exists("m_000002.png") && !test.exists("x.mp4"));
+    EXPECT_THAT(runProgram(film, path).out, HasSubstr("The film x.mp4 has 3 pictures."));
+    std::string list;
+    for (const char* step : {"2", "4", "6"})
+        list += "file '" + test.folder.string() + "/m_00000" + step + ".png'\nduration 0.04\n";
+    EXPECT_EQ(test.read("x.mp4"), list + "\x89PNG");
+    std::set<std::string> left;
+    for (const auto& entry : std::filesystem::directory_iterator(test.folder)) left.insert(entry.path().filename());
+    EXPECT_THAT(left, testing::ElementsAre("checkstop", "ffmpeg", "m.gmt", "m_out", "x.mp4"));
+}
+
+TEST(commandLine, underANameThatEndsInALineRunsTheGeometryBesideIt) {
+    TestProgram test;
+    std::filesystem::create_directory("sub");
+    std::filesystem::create_symlink(NORVANE_PROGRAM, "sub/norvane_");
+    test.write("sub/m.gmt", square(3, "DT 1E-6:NT 6:LT 1"));
+    test.write("n.gmt", square(3, "DT 1E-6:NT 6:LT 1"));
+    EXPECT_EQ(std::system("sub/norvane_"), 0);
+    EXPECT_EQ(std::system("sub/norvane_ n.gmt"), 0);
+    EXPECT_TRUE(test.exists("sub/m_log") && test.exists("n_log"));
+    EXPECT_NE(std::system("sub/norvane_ a b 2> /dev/null"), 0);
 }
 
 TEST(commandLine, neverWritesTheFilesOfAnotherRun) {

@@ -72,6 +72,10 @@ TEST(radiation, toCellZeroGoesToTheSurroundingsAndTheSignOfTheSecondCellHasNoMea
     test.click("NV_in.Command2");
     EXPECT_EQ(test.sim.stageEnergy(1, 1) / test.sim.stageEnergy(1, 2), -1);
     EXPECT_NEAR(test.sim.stageEnergy(1, 2), 2 * radiationConstant * (std::pow(1000.0, 4) - std::pow(400.0, 4)), 0.1);
+    test.sim.wallTemperature[1] = 1;
+    computeSlopes(test.sim, 2);
+    EXPECT_EQ(test.sim.stageEnergy(2, 1), 0) << "held energy takes no term";
+    EXPECT_GT(test.sim.stageEnergy(2, 2), 0) << "the other cell of the pair does";
 }
 
 TEST(viewFactors, readAlikeInAnyLayout) {
@@ -108,10 +112,8 @@ TEST(viewFactors, withoutARecordSwitchRadiationOnWithNoPairs) {
     EXPECT_FALSE(test.sim.radFactor.contains(1)) << "a trace of the earlier table";
 }
 
-TEST(viewFactors, areAskedForWithoutAGeometryOrAFile) {
+TEST(viewFactors, withoutAFileAreToldToBeMissing) {
     TestProgram test;
-    importViewFactors(test.sim, test.ui);
-    EXPECT_THAT(test.takeMessages(), ElementsAre("select an inputrange first"));
     test.load(twoBodies(1, 1));
     importViewFactors(test.sim, test.ui);
     EXPECT_THAT(test.messages, ElementsAre("An error occured opening the file"));
@@ -165,11 +167,11 @@ TEST(viewFactors, withAFaultLeaveTheEarlierTableInForceAndNameTheRecord) {
 TEST(viewFactors, outliveANewGeometryWhoseRunTellsWhatItSkips) {
     TestProgram test;
     test.load("UT 0\t\t\nL\t\t\n\t\t\nL\t\t");
-    test.write("m_rad", "0 0 2\n1 2 1 1\n1 3 1 1");
+    test.write("m_rad", "0 0 3\n1 2 1 1\n1 3 1 1\n3 1 1 1");
     importViewFactors(test.sim, test.ui);
     test.load(twoBodies(1e-3, 1));
     test.click("NV_in.Command2");
-    EXPECT_THAT(test.messages, ElementsAre(HasSubstr("1 of 2 radiation pairs")));
+    EXPECT_THAT(test.messages, ElementsAre(HasSubstr("2 of 3 radiation pairs")));
     EXPECT_LT(test.sim.stageEnergy(1, 1), 0) << "the other pair acts";
 }
 

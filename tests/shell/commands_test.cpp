@@ -29,19 +29,6 @@ TEST(commands, withoutAGeometrySayWhatIsMissing) {
     EXPECT_THAT(test.events, ElementsAre("ended"));
 }
 
-TEST(commands, contDirectlyAfterALoadActsAsRecalc) {
-    const std::string table = "DT 1E-6:NT 3:LT 1\nL\n\nL";
-    TestProgram recalc;
-    recalc.load(table);
-    recalc.click("NV_in.Command2");
-    TestProgram cont;
-    cont.write("m_log", "old");
-    cont.load(table);
-    cont.click("NV_in.Command5");
-    EXPECT_EQ(stateHash(cont.sim), stateHash(recalc.sim));
-    EXPECT_EQ(cont.read("m_log"), recalc.read("m_log"));
-}
-
 /// Loads a run of 10 steps and performs `act` in yield `yield` of step 4, once.
 template <class Act>
 void runWith(TestProgram& test, int yield, const Act& act) {

@@ -8,6 +8,7 @@
 
 #include <filesystem>
 #include <iterator>
+#include <ostream>
 #include <set>
 #include <sstream>
 
@@ -28,6 +29,36 @@ std::set<std::string> coloursOfMap(const Drawing& drawing) {
     for (const std::string& line : drawing)
         if (line.rfind("box ", 0) == 0 && ++boxes > legendRows) colours.insert(line.substr(line.rfind(' ')));
     return colours;
+}
+
+struct StoredState {
+    const char* name;
+    std::uint64_t bits; ///< as stateHash gives them
+};
+
+void PrintTo(const StoredState& state, std::ostream* out) { *out << state.bits; }
+
+constexpr StoredState finalStates[] = {
+    {"channel", 12721413473173760973u},      {"duct_obstacle", 10222256771564305970u},
+    {"facing_walls", 15879352510819298393u}, {"heated_cavity", 8587894640301585683u},
+    {"reactor", 11587320877101789701u},      {"shock_tube", 9264834983483690054u},
+};
+
+class FinalState : public testing::TestWithParam<StoredState> {};
+
+/// Every compiler and processor comes to the same bits; facing walls with the heat that they radiate.
+TEST_P(FinalState, hasTheBitsThatAreStoredHere) {
+    const std::string name = GetParam().name;
+    TestProgram test;
+    test.loadExample(name);
+    const std::filesystem::path factors = std::filesystem::path(NORVANE_EXAMPLES) / (name + "_rad");
+    if (std::filesystem::exists(factors)) {
+        std::filesystem::copy(factors, test.folder);
+        test.click("NV_in.Command8");
+    }
+    test.click("NV_in.Command2");
+    EXPECT_EQ(test.sim.stepCount, test.sim.stepLimit);
+    EXPECT_EQ(stateHash(test.sim), GetParam().bits);
 }
 
 TEST(examples, showInTheirFirstPicturesWhatTheyAreAbout) {
@@ -51,8 +82,12 @@ TEST(examples, showInTheirFirstPicturesWhatTheyAreAbout) {
         EXPECT_GE(wordsOf(test.read(name + "_out")).size(), 8u) << name;
         count += 1;
     }
-    EXPECT_GT(count, 0);
+    EXPECT_EQ(count, int(std::size(finalStates))) << "each has its final state stored above";
 }
+
+INSTANTIATE_TEST_SUITE_P(examples, FinalState, testing::ValuesIn(finalStates), [](const auto& example) {
+    return std::string(example.param.name);
+});
 
 } // namespace
 } // namespace norvane

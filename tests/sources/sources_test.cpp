@@ -1,6 +1,5 @@
-// Terms that do not pass through a face: drag, exchange of species, radiation. The sink is a wall code's.
+// Terms that do not pass through a face: drag and exchange of species. The sink is a wall code's.
 
-#include "core/source_terms.h"
 #include "support/fields.h"
 #include "support/test_program.h"
 
@@ -52,36 +51,6 @@ TEST(exchange, isCappedAtHalfTheMassInAStepAndNeedsTwoSpecies) {
     alone.build("DT 0.5\nL\nWC 1\nL");
     computeSlopes(alone.sim, 1);
     EXPECT_EQ(alone.sim.stageEnergy(1, 1), 0);
-}
-
-/// Three closed cells at 300, 500 and 400 K, with pairs of factor 2 between the given cells.
-void setPairs(SimState& sim, const std::vector<std::pair<int, int>>& pairs) {
-    sim.radActive = true;
-    sim.sigmaRoot = std::pow(5.67e-8, 0.25);
-    sim.radPairCount = static_cast<std::int32_t>(pairs.size());
-    sim.radFactor.allocate(0, sim.radPairCount);
-    for (auto& cells : sim.radPair) cells.allocate(0, sim.radPairCount);
-    for (std::int32_t pair = 1; pair <= sim.radPairCount; ++pair) {
-        sim.radPair[0][pair] = pairs[static_cast<std::size_t>(pair - 1)].first;
-        sim.radPair[1][pair] = pairs[static_cast<std::size_t>(pair - 1)].second;
-        sim.radFactor[pair] = 2;
-    }
-}
-
-TEST(radiation, flowsFromTheFirstCellToTheSecondAndSkipsPairsBeyondTheGrid) {
-    TestProgram test;
-    test.build("TT 350:LA 0\t\t\nL\t\t\nTT 300\tTT 500\tTT 400\nL\t\t");
-    const double flow = 5.67e-8 * (std::pow(500.0, 4) - std::pow(400.0, 4)) * 2;
-    const double toSurroundings = 5.67e-8 * (std::pow(300.0, 4) - std::pow(350.0, 4)) * 2;
-    setPairs(test.sim, {{2, -3}, {1, 0}, {0, 1}, {4, 1}, {1, 4}, {-1, 2}, {1, -2147483647 - 1}});
-    radiationPairs(test.sim, 1);
-    EXPECT_NEAR(test.sim.stageEnergy(1, 2), -flow, 1e-5 * flow);
-    EXPECT_EQ(test.sim.stageEnergy(1, 3), -test.sim.stageEnergy(1, 2));
-    EXPECT_NEAR(test.sim.stageEnergy(1, 1), -toSurroundings, 1e-5 * std::abs(toSurroundings));
-    test.sim.wallTemperature[2] = 1;
-    computeSlopes(test.sim, 2);
-    EXPECT_EQ(test.sim.stageEnergy(2, 2), 0) << "held energy takes no term";
-    EXPECT_GT(test.sim.stageEnergy(2, 3), 0) << "the other cell of the pair does";
 }
 
 } // namespace

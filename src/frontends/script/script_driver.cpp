@@ -76,7 +76,7 @@ void ScriptDriver::run(std::string_view bytes) {
     for (const ScriptLine& line : scriptLines(bytes)) execute(line);
 }
 
-void ScriptDriver::resizeForm(const ScriptLine& line, std::string_view rest) {
+void ScriptDriver::resizeForm(const ScriptLine& line, std::string_view rest) const {
     const std::string name = takeWord(rest);
     int width = 0;
     int height = 0;
@@ -86,7 +86,7 @@ void ScriptDriver::resizeForm(const ScriptLine& line, std::string_view rest) {
     hands_.resize(name, width, height);
 }
 
-void ScriptDriver::chooseEntry(const ScriptLine& line, std::string_view rest) {
+void ScriptDriver::chooseEntry(const ScriptLine& line, std::string_view rest) const {
     const std::string name = takeWord(rest);
     const std::optional<int> count = hands_.entryCount(name);
     requireControl(line, name, "choose from", count.has_value());
@@ -97,7 +97,7 @@ void ScriptDriver::chooseEntry(const ScriptLine& line, std::string_view rest) {
     hands_.choose(name, index);
 }
 
-void ScriptDriver::print(const ScriptLine& line, const std::string& name) {
+void ScriptDriver::print(const ScriptLine& line, const std::string& name) const {
     const std::optional<std::string> seen = hands_.look(name);
     requireControl(line, name, "print", seen.has_value());
     printLine(name + ": " + *seen);

@@ -50,9 +50,9 @@ public:
 
 private:
     void execute(const ScriptLine& line);
-    void resizeForm(const ScriptLine& line, std::string_view rest);
-    void chooseEntry(const ScriptLine& line, std::string_view rest);
-    void print(const ScriptLine& line, const std::string& name);
+    void resizeForm(const ScriptLine& line, std::string_view rest) const;
+    void chooseEntry(const ScriptLine& line, std::string_view rest) const;
+    void print(const ScriptLine& line, const std::string& name) const;
     void awaitYield(const ScriptLine& line, std::string_view rest);
 
     Program& program_;

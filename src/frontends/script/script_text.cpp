@@ -37,7 +37,7 @@ std::vector<ScriptLine> scriptLines(std::string_view bytes) {
 std::string takeWord(std::string_view& text) {
     text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
     const std::size_t end = std::min(text.find_first_of(blanks), text.size());
-    const std::string word(text.substr(0, end));
+    std::string word(text.substr(0, end));
     text.remove_prefix(std::min(end + 1, text.size()));
     return word;
 }
