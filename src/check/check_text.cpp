@@ -38,6 +38,13 @@ std::string otherPlaces(const Finding& finding) {
     return " (also " + joined(places, ", ") + (more > 0 ? " and " + std::to_string(more) + " more" : "") + ")";
 }
 
+/// "3.2 s", "17 min", "5.1 h".
+std::string timeText(double seconds) {
+    if (seconds < 120) return rounded(seconds < 0.1 ? 0.1 : std::round(seconds * 10) / 10) + " s";
+    if (seconds < 7200) return rounded(std::round(seconds / 60)) + " min";
+    return rounded(std::round(seconds / 360) / 10) + " h";
+}
+
 std::string kindsText(const ModelSummary& summary) {
     const std::pair<std::int32_t, const char*> counts[] = {
         {summary.walls, "wall"},         {summary.inlets, "inlet"},  {summary.outlets, "outlet"},
@@ -53,9 +60,28 @@ std::string stepText(const ModelSummary& summary) {
     const LimitingCell limit = summary.stable.smallest();
     std::string text = "steps: " + std::to_string(summary.steps) + " of " + number(summary.dt) + " s, "
                        + rounded(summary.dt * summary.steps) + " s in all";
+    if (summary.stepSeconds > 0)
+        text += ", about " + timeText(summary.stepSeconds * summary.steps) + " on this machine";
     if (limit.cell == 0) return text;
     return text + "; DT is " + rounded(summary.dt / limit.step) + " of the largest stable step (by "
            + limitName(summary.stable.kind()) + ")";
+}
+
+/// What a lower pressure would save where the flow is much slower than sound.
+std::string scaledGasText(const ModelSummary& summary) {
+    constexpr double slow = 20;   // sound by flow
+    constexpr double enough = 10; // of the scaled gas
+    const bool isSlow =
+        summary.fastest > 0 && summary.soundSpeed > slow * summary.fastest && summary.stable.kind() == StepLimit::sound;
+    if (!isSlow) return {};
+    const double gain = summary.soundSpeed / (enough * summary.fastest);
+    const double seconds = summary.stepSeconds * summary.steps;
+    return "  the flow is " + rounded(summary.soundSpeed / summary.fastest)
+           + " times slower than sound: with PP divided by " + rounded(gain * gain) + " sound would still be "
+           + rounded(enough) + " times faster, and DT could be up to " + rounded(gain) + " times larger"
+           + (seconds > 0 ? " (" + timeText(seconds * (1 - 1 / gain)) + " saved)" : "")
+           + ". Speeds, temperatures, RH and pressure differences in Pa stay as they are as long as these are small "
+             "beside PP; the gas constant does not";
 }
 
 std::vector<std::string> summaryLines(const ModelSummary& summary, bool suggests) {
@@ -71,8 +97,10 @@ std::vector<std::string> summaryLines(const ModelSummary& summary, bool suggests
                                           + rounded(summary.soundSpeed) + " m/s; memory "
                                           + number(std::ceil(summary.bytes / 1e6)) + " MB",
                                       "  " + stepText(summary)};
-    if (suggests && suggestedStep(summary.stable) > 0)
-        lines.push_back("  write DT " + number(suggestedStep(summary.stable)));
+    if (!suggests) return lines;
+    if (suggestedStep(summary.stable) > 0) lines.push_back("  write DT " + number(suggestedStep(summary.stable)));
+    const std::string scaled = scaledGasText(summary);
+    if (!scaled.empty()) lines.push_back(scaled);
     return lines;
 }
 

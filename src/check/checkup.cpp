@@ -2,6 +2,7 @@
 
 #include "check/model_rules.h"
 #include "check/table_rules.h"
+#include "core/processor_engine.h"
 #include "geometry/grid_file.h"
 #include "geometry/model_build.h"
 #include "geometry/text_encoding.h"
@@ -9,8 +10,9 @@
 #include "platform/interface.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
-#include <filesystem>
+#include <new>
 #include <utility>
 
 namespace norvane {
@@ -140,6 +142,24 @@ Checkup checkGeometry(const std::string& path, SimState& sim) {
     checkNeighbours(path, checkup.findings);
     sortByPlace(checkup.findings);
     return checkup;
+}
+
+double measuredStep(SimState& sim) {
+    using Clock = std::chrono::steady_clock;
+    constexpr auto longest = std::chrono::milliseconds(200);
+    sim.revision += 1;
+    int stages = 0;
+    auto start = Clock::now();
+    try {
+        const StageEngine engine = processorEngine(sim, planStages(sim, sim.threads));
+        const FaultSink ignored = [](const StageFault&) {};
+        engine.runStage(1, ignored); // the first use of the memory is not counted
+        start = Clock::now();
+        for (; stages < 400 && Clock::now() - start < longest; ++stages) engine.runStage(stages % 4 + 1, ignored);
+    } catch (const std::bad_alloc&) {
+        return 0;
+    }
+    return std::chrono::duration<double>(Clock::now() - start).count() * 4 / std::max(stages, 1);
 }
 
 std::string gasNear(double gasFactor) {

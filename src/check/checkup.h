@@ -28,6 +28,7 @@ struct ModelSummary {
     double gasFactor = 0;   ///< J/(kg K)
     double fastest = 0;     ///< m/s: what pressures start, or the largest VV
     double bytes = 0;       ///< memory of a run
+    double stepSeconds = 0; ///< of the wall clock for a step on this machine; 0: not measured
     double dt = 0;          ///< s
     std::int32_t steps = 0; ///< NT
     StableStep stable;
@@ -46,6 +47,10 @@ Checkup checkGeometry(const std::string& path);
 /// Checks a geometry that has been loaded: its frame, texts and model. Builds the model; afterwards runMode is as it
 /// was, so that a run begins as if nothing had happened.
 Checkup checkLoaded(SimState& sim, const RunEvents& events);
+
+/// Runs a few stages of a model that stands, for a fifth of a second at most, and gives the wall-clock seconds of a
+/// step. The fields change. 0: the model can't be run.
+double measuredStep(SimState& sim);
 
 /// The gas whose constant is nearest to a value in J/(kg K); empty where none is within a tenth.
 std::string gasNear(double gasFactor);

@@ -288,6 +288,11 @@ TEST(commandLine, showsAndComparesDrawings) {
     EXPECT_EQ(runProgram("check a.gmt --picture p.png").status, 0);
     EXPECT_EQ(test.read("p.png").substr(1, 3), "PNG");
     EXPECT_EQ(runProgram("check a.gmt --picture p.txt").status, 2);
+    EXPECT_EQ(runProgram("show a.gmt --picture s.svg").status, 0);
+    EXPECT_EQ(runProgram("diff a.gmt b.gmt --picture d.svg").status, 1);
+    EXPECT_GT(test.read("d.svg").size(), test.read("s.svg").size()) << "frames of nine cells";
+    test.write("slow.gmt", "DT 1E-6:VV 1;1:SI 0:SA 50\t\t\nL\t\t\nVV 1;0,5\t\t\n\t\t\nL\t\t");
+    EXPECT_THAT(runProgram("check slow.gmt --suggest").out, HasSubstr("times slower than sound"));
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 
 #include "check/check_text.h"
 #include "core/number_text.h"
-#include "frontends/cli/console.h"
 #include "frontends/cli/json_text.h"
 #include "frontends/cli/kind_picture.h"
 #include "platform/terminal_text.h"
@@ -60,24 +59,25 @@ std::string jsonOf(const std::string& geometry, const Checkup& checkup) {
 
 /// Gives false after a message.
 bool takesPicture(const CheckOptions& options) {
-    const bool isOne = options.geometries.size() == 1;
-    if (!isOne)
-        std::fprintf(stderr, "--picture: one picture shows one geometry\n");
-    else if (!isPictureName(options.picture))
-        std::fprintf(stderr, "--picture: \"%s\" is not a name that ends in .png, .svg, .pdf or .bmp\n",
-                     printableName(options.picture).c_str());
-    return isOne && isPictureName(options.picture) && !wouldOverwrite(options.geometries.front(), options.picture);
+    if (options.geometries.size() == 1) return mayBePicture(options.geometries.front(), options.picture);
+    std::fprintf(stderr, "--picture: one picture shows one geometry\n");
+    return false;
+}
+
+PictureMarks marksOf(const Findings& findings) {
+    PictureMarks marks{{}, "see the findings of norvane check"};
+    for (const Finding& finding : findings.list) {
+        if (finding.severity == Severity::note) continue;
+        marks.places.push_back(finding.place);
+        marks.places.insert(marks.places.end(), finding.also.begin(), finding.also.end());
+    }
+    return marks;
 }
 
 bool writePictureOf(const SimState& sim, const Checkup& checkup, const std::string& path) {
-    if (checkup.summary.cells == 0) {
-        std::fprintf(stderr, "There is no model to draw a picture of.\n");
-        return true; // the findings say why
-    }
-    const FileResult written = writeKindPicture(sim, checkup.findings, path);
-    if (!written)
-        std::fprintf(stderr, "%s can't be written: %s\n", printableName(path).c_str(), written.reason.c_str());
-    return static_cast<bool>(written);
+    if (checkup.summary.cells > 0) return drawnPicture(sim, marksOf(checkup.findings), path);
+    std::fprintf(stderr, "There is no model to draw a picture of.\n");
+    return true; // the findings say why
 }
 
 } // namespace
@@ -88,13 +88,15 @@ ExitStatus checkGeometries(const CheckOptions& options) {
     if (!options.picture.empty() && !takesPicture(options)) return exitBadUse;
     for (const std::string& geometry : options.geometries) {
         SimState sim;
-        const Checkup checkup = checkGeometry(geometry, sim);
+        Checkup checkup = checkGeometry(geometry, sim);
+        const bool isRunnable = checkup.summary.cells > 0 && checkup.findings.errors == 0;
+        if (!options.picture.empty() && !writePictureOf(sim, checkup, options.picture)) return exitFileFault;
+        if (isRunnable) checkup.summary.stepSeconds = measuredStep(sim);
         passes = passes && checkup.findings.errors == 0 && !(options.strict && checkup.findings.warnings > 0);
         if (options.format == "json")
             documents.push_back(jsonOf(geometry, checkup));
         else
             printText(geometry, checkup, options);
-        if (!options.picture.empty() && !writePictureOf(sim, checkup, options.picture)) return exitFileFault;
     }
     if (options.format == "json") std::printf("[\n%s\n]\n", joined(documents, ",\n").c_str());
     return passes ? exitDone : exitNoModel;

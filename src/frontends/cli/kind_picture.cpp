@@ -3,9 +3,12 @@
 #include "check/cell_kinds.h"
 #include "core/wall_codes.h"
 #include "drawing/image_surface.h"
+#include "frontends/cli/console.h"
+#include "platform/terminal_text.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 namespace norvane {
 
@@ -154,7 +157,7 @@ void frame(const KindPicture& picture, const TablePlace& place) {
 }
 
 /// The entries of the legend: kinds that there are, gas, and the mark of findings.
-std::vector<std::pair<Color, std::string>> legendOf(const KindPicture& picture, bool hasMarks) {
+std::vector<std::pair<Color, std::string>> legendOf(const KindPicture& picture, const PictureMarks& marks) {
     std::vector<std::pair<Color, std::string>> entries = {{gasColor, "gas"}};
     for (const KindStyle& style : styles) {
         const bool exists = std::any_of(picture.kinds.begin(), picture.kinds.end(),
@@ -162,7 +165,7 @@ std::vector<std::pair<Color, std::string>> legendOf(const KindPicture& picture, 
         if (exists) entries.emplace_back(style.color, style.name);
     }
     entries.emplace_back(faceColor, "closed face");
-    if (hasMarks) entries.emplace_back(markColor, "see the findings of norvane check");
+    if (!marks.places.empty()) entries.emplace_back(markColor, marks.meaning);
     return entries;
 }
 
@@ -177,7 +180,7 @@ void drawLegend(const KindPicture& picture, const std::vector<std::pair<Color, s
 }
 
 void draw(const KindPicture& picture,
-          const Findings& findings,
+          const PictureMarks& marks,
           const std::vector<std::pair<Color, std::string>>& legend) {
     Surface& surface = picture.surface;
     fill(surface, white, 0, 0, surface.scaleWidth, surface.scaleHeight);
@@ -187,31 +190,39 @@ void draw(const KindPicture& picture,
     surface.fontBold = false;
     drawEdges(picture);
     for (std::int32_t cell = 1; cell <= picture.sim.nCells; ++cell) drawCell(picture, cell);
-    for (const Finding& finding : findings.list) {
-        if (finding.severity == Severity::note) continue;
-        frame(picture, finding.place);
-        for (const TablePlace& place : finding.also) frame(picture, place);
-    }
+    for (const TablePlace& place : marks.places) frame(picture, place);
     drawLegend(picture, legend);
 }
 
 } // namespace
 
-bool isPictureName(const std::string& path) { return pictureFormat(path).has_value(); }
-
-FileResult writeKindPicture(const SimState& sim, const Findings& findings, const std::string& path) {
+FileResult writeKindPicture(const SimState& sim, const PictureMarks& marks, const std::string& path) {
     const PictureFormat format = pictureFormat(path).value_or(PictureFormat::png);
     Surface surface;
     KindPicture picture{sim, surface, cellKinds(sim), cellSize(sim)};
-    const auto legend = legendOf(picture, findings.warnings + findings.errors > 0);
+    const auto legend = legendOf(picture, marks);
     constexpr float narrowest = 320; // for the legend
     surface.scaleWidth = std::max(narrowest, xOf(picture, sim.gridCols + 1) + 16);
     surface.scaleHeight =
         yOf(picture, sim.firstLayerRow + shownRows(sim)) + 24 + legendRow * static_cast<float>(legend.size());
     const bool isPage = format == PictureFormat::svg || format == PictureFormat::pdf;
     const auto target = isPage ? drawOnPage(surface, format) : drawOnImage(surface);
-    draw(picture, findings, legend);
+    draw(picture, marks, legend);
     return writePicture(*target, path, format);
+}
+
+bool drawnPicture(const SimState& sim, const PictureMarks& marks, const std::string& path) {
+    const FileResult written = writeKindPicture(sim, marks, path);
+    if (!written)
+        std::fprintf(stderr, "%s can't be written: %s\n", printableName(path).c_str(), written.reason.c_str());
+    return static_cast<bool>(written);
+}
+
+bool mayBePicture(const std::string& geometry, const std::string& path) {
+    if (pictureFormat(path)) return !wouldOverwrite(geometry, path);
+    std::fprintf(stderr, "--picture: \"%s\" is not a name that ends in .png, .svg, .pdf or .bmp\n",
+                 printableName(path).c_str());
+    return false;
 }
 
 } // namespace norvane

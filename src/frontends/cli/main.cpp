@@ -170,14 +170,17 @@ CLI::App* addShow(CLI::App& app, ShowOptions& options) {
     show->add_option("ADDRESS", options.address, "a cell of the spreadsheet, such as C7");
     show->add_option("--key", options.key, "one key of all cells as a table in the shape of the drawing, such as LA");
     show->add_option("--component", options.component, "of that key: the dimension, or the species from 0");
+    show->add_option("--picture", options.picture, "draw what each cell is; .png, .svg, .pdf or .bmp")
+        ->type_name("FILE");
     show->footer(lookStatusHelp);
     return show;
 }
 
-CLI::App* addDiff(CLI::App& app, std::string& before, std::string& after) {
+CLI::App* addDiff(CLI::App& app, std::string& before, std::string& after, std::string& picture) {
     CLI::App* diff = app.add_subcommand("diff", diffHelp);
     diff->add_option("BEFORE", before, "a geometry")->required();
     diff->add_option("AFTER", after, "another one")->required();
+    diff->add_option("--picture", picture, "draw the cells that differ; .png, .svg, .pdf or .bmp")->type_name("FILE");
     diff->footer("Exit status: 0 nothing differs, 1 something does, 2 bad use, 3 a geometry cannot be used.");
     return diff;
 }
@@ -249,7 +252,8 @@ int runCommandLine(int argc, char** argv) {
     const CLI::App* show = addShow(app, showOptions);
     std::string before;
     std::string after;
-    const CLI::App* diff = addDiff(app, before, after);
+    std::string picture;
+    const CLI::App* diff = addDiff(app, before, after, picture);
     std::string scriptPath;
     bool trace = false;
     CLI::App* script = app.add_subcommand("script", scriptHelp);
@@ -277,7 +281,7 @@ int runCommandLine(int argc, char** argv) {
     if (*spectrum) return writeSpectrumOf(spectrumOptions);
     if (*check) return checkGeometries(checkOptions);
     if (*show) return showGeometry(showOptions);
-    if (*diff) return diffGeometries(before, after);
+    if (*diff) return diffGeometries(before, after, picture);
     return runScript(scriptPath, trace, putsAnywhere);
 }
 

@@ -5,6 +5,7 @@
 #include "core/addressing.h"
 #include "core/number_text.h"
 #include "frontends/cli/console.h"
+#include "frontends/cli/kind_picture.h"
 #include "platform/terminal_text.h"
 
 #include <algorithm>
@@ -88,8 +89,10 @@ bool hasSameShape(const SimState& a, const SimState& b) {
 } // namespace
 
 ExitStatus showGeometry(const ShowOptions& options) {
+    if (!options.picture.empty() && !mayBePicture(options.geometry, options.picture)) return exitBadUse;
     TracedModel model;
     if (!loads(options.geometry, 0, model)) return exitNoModel;
+    if (!options.picture.empty() && !drawnPicture(model.sim, {}, options.picture)) return exitFileFault;
     if (!options.key.empty()) return showKey(options, model.sim);
     if (options.address.empty()) {
         std::printf("%s: %s\n", printableName(options.geometry).c_str(), describedGrid(model.sim).c_str());
@@ -109,7 +112,8 @@ ExitStatus showGeometry(const ShowOptions& options) {
     return exitDone;
 }
 
-ExitStatus diffGeometries(const std::string& before, const std::string& after) {
+ExitStatus diffGeometries(const std::string& before, const std::string& after, const std::string& picture) {
+    if (!picture.empty() && !(mayBePicture(before, picture) && mayBePicture(after, picture))) return exitBadUse;
     TracedModel a;
     TracedModel b;
     if (!loads(before, 0, a) || !loads(after, 0, b)) return exitNoModel;
@@ -125,6 +129,12 @@ ExitStatus diffGeometries(const std::string& before, const std::string& after) {
         std::printf("%s%s %s -> %s\n", where.c_str(), each.name.c_str(), each.before.c_str(), each.after.c_str());
     }
     if (printed > mostDifferences) std::printf("... and %zu more values\n", printed - mostDifferences);
+    if (!picture.empty()) {
+        PictureMarks marks{{}, "differs"};
+        for (const Difference& each : found)
+            if (each.cell > 0) marks.places.push_back(placeOf(b.sim, each.cell));
+        if (!drawnPicture(b.sim, marks, picture)) return exitFileFault;
+    }
     return found.empty() ? exitDone : exitEndedByModel;
 }
 
