@@ -10,16 +10,14 @@
 #include "frontends/cli/frames.h"
 #include "frontends/cli/progress.h"
 #include "frontends/cli/run_report.h"
+#include "frontends/cli/stop_signals.h"
 #include "geometry/table_edit.h"
 #include "platform/claim.h"
 #include "platform/files.h"
 #include "platform/terminal_text.h"
 
-#include <atomic>
 #include <cerrno>
-#include <chrono>
 #include <cmath>
-#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <map>
@@ -33,27 +31,6 @@
 namespace norvane {
 
 namespace {
-
-std::atomic<int> stopSignal = 0;
-std::atomic<std::int64_t> stopMoment = 0; ///< ns, of the first signal
-static_assert(std::atomic<int>::is_always_lock_free && std::atomic<std::int64_t>::is_always_lock_free,
-              "a signal may come to any thread at any moment");
-
-/// A second signal ends the process at once; but some programs send theirs twice in a moment, to a process and its
-/// group.
-void takeSignal(int number) {
-    constexpr std::int64_t oneMoment = 300'000'000; // ns
-    const std::int64_t now = std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
-    int none = 0;
-    if (stopSignal.compare_exchange_strong(none, number)) {
-        stopMoment = now;
-    } else if (now - stopMoment > oneMoment) {
-        std::signal(number, SIG_DFL);
-        std::raise(number);
-        return;
-    }
-    std::signal(number, takeSignal); // where a handler serves only once
-}
 
 bool writesToTerminal() {
 #ifdef _WIN32
@@ -136,7 +113,7 @@ void connectRun(ConsoleRun& run) {
     Program& program = run.console.program;
     run.console.beforeMessage = [&run] { run.progress.wipe(); };
     program.ui.yieldToInterface = [&program] {
-        if (stopSignal != 0) program.sim.stopFlag = true;
+        if (isStopSignalled()) program.sim.stopFlag = true;
     };
     program.ui.runBegan = [&run] { beginRun(run); };
     program.ui.stepBegan = [&run] { run.progress.step(run.console.program.sim); };
@@ -169,15 +146,6 @@ bool claimFiles(ConsoleRun& run) {
                      "--stop-file gives a run one of its own.\n",
                      processText(other).c_str(), printableName(sim.stopFileName).c_str());
     return true;
-}
-
-void catchSignals() {
-    std::signal(SIGINT, takeSignal);
-    std::signal(SIGTERM, takeSignal);
-#ifndef _WIN32
-    std::signal(SIGHUP, takeSignal); // the terminal goes: end in order all the same
-    std::signal(SIGPIPE, SIG_IGN);   // nobody reads the progress any more: the run is worth more than that
-#endif
 }
 
 bool saveAtEnd(ConsoleRun& run) {
@@ -382,7 +350,7 @@ int runGeometry(const RunOptions& options) {
     if (!takeNames(run)) return exitBadUse;
     if (!claimFiles(run)) return exitFileFault;
     run.frames.prefix = absolutePath(program.sim.inputDir + "/" + program.sim.baseName + "_");
-    catchSignals();
+    catchStopSignals();
     if (options.recall) {
         if (!recallState(program.sim, program.ui)) return exitFileFault;
         continueRun(program.sim, program.ui, program.operations);
@@ -395,7 +363,7 @@ int runGeometry(const RunOptions& options) {
 int runBatch(const ProgramStart& start) {
     ConsoleRun run({});
     connectRun(run);
-    catchSignals();
+    catchStopSignals();
     bool isTaken = false;
     ProgramStart claiming = start;
     claiming.mayRun = [&] {
