@@ -131,8 +131,7 @@ std::string buildTraced(const std::string& path, std::int32_t cell, TracedModel&
 
 double valueOf(const SimState& sim, const Key& key, std::int32_t cell, int component) {
     const double value = std::visit(FieldReader{sim, cell, component}, key.target);
-    // The build multiplies the drag of the cells by their volume.
-    return key.letters == "RR" && cell > 0 ? value / double(sim.cellVolume[cell]) : value;
+    return key.timesVolume && cell > 0 ? value / double(sim.cellVolume[cell]) : value;
 }
 
 std::vector<int> componentsOf(const SimState& sim, const Key& key) {

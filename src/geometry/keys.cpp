@@ -44,7 +44,7 @@ constexpr Key table[] = {
     {"LA", F::plain, anywhere, I::none, &S::conductivity, 0.02, false, R::notNegative, "W/(m K)", "heat conductivity"},
     {"TT", F::plain, anywhere, I::none, &S::temperature, 298.15, false, R::positive, "K", "temperature"},
     {"PP", F::plain, anywhere, I::none, &S::pressure, 101300, false, R::positive, "Pa", "pressure"},
-    {"RR", F::plain, anywhere, I::none, &S::friction, 0, false, R::notNegative, "kg/(m3 s)", "drag"},
+    {"RR", F::plain, anywhere, I::none, &S::friction, 0, false, R::notNegative, "kg/(m3 s)", "drag", true},
     {"WV", F::list, anywhere, I::dimensionOr0, &S::wallVelocity, 0, false, R::any, "", "wall code of the velocity"},
     {"CC", F::list, anywhere, I::species, &S::concentration, 0, false, R::fraction, "",
      "mass fraction; species 0 fills up to 1"},

@@ -66,6 +66,7 @@ struct Key {
     KeyRange range;
     std::string_view unit;
     std::string_view meaning;
+    bool timesVolume = false; ///< once a model stands, the field of a cell holds the key's value times the volume
 
     bool hasStart() const { return start == start; }
 };
