@@ -58,6 +58,7 @@ std::string kindsText(const ModelSummary& summary) {
 
 std::string stepText(const ModelSummary& summary) {
     const LimitingCell limit = summary.stable.smallest();
+    if (summary.steps < 0) return "steps of " + number(summary.dt) + " s until the run is stopped";
     std::string text = "steps: " + std::to_string(summary.steps) + " of " + number(summary.dt) + " s, "
                        + rounded(summary.dt * summary.steps) + " s in all";
     if (summary.stepSeconds > 0)

@@ -7,6 +7,8 @@
 namespace norvane {
 
 void Findings::add(Finding finding) {
+    constexpr std::size_t longestItem = 60;
+    if (finding.item.size() > longestItem) finding.item = finding.item.substr(0, longestItem) + "...";
     if (finding.severity == Severity::warning) ++warnings;
     if (finding.severity == Severity::error) ++errors;
     const auto [same, isNew] =
@@ -14,6 +16,8 @@ void Findings::add(Finding finding) {
     if (!isNew) {
         if (same->second >= list.size()) return; // one that was not kept
         Finding& first = list[same->second];
+        const TablePlace& latest = first.also.empty() ? first.place : first.also.back();
+        if (latest.row == finding.place.row && latest.column == finding.place.column) return; // said already
         first.count += 1;
         if (first.also.size() < keptPlaces) first.also.push_back(finding.place);
         return;

@@ -1,14 +1,13 @@
 #include "check/item_rules.h"
 
+#include "check/text_check.h"
 #include "core/cell_fields.h"
 #include "core/number_text.h"
 #include "geometry/cell_keywords.h"
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -22,12 +21,6 @@ bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 bool hasDigit(std::string_view text) { return std::any_of(text.begin(), text.end(), isDigit); }
 
-std::string_view trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(" \"\t");
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(" \"\t") - first + 1);
-}
-
 /// Spaces of a spreadsheet that are no blanks to the readers: a number after one is not read.
 bool hasOddSpace(std::string_view text) {
     for (const char* const space : {"\xC2\xA0", "\xE2\x80\xAF", "\xE2\x80\x89"})
@@ -37,30 +30,10 @@ bool hasOddSpace(std::string_view text) {
 
 std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
-std::string withUnit(double value, std::string_view unit) {
-    return generalText(static_cast<float>(value)) + (unit.empty() ? "" : " " + std::string(unit));
-}
-
-std::string named(const Key& key) { return std::string(key.letters) + " (" + std::string(key.meaning) + ")"; }
-
 std::string written(const Key& key, std::string_view value) {
     const std::string index = key.form == KeyForm::plain ? " " : key.index == KeyIndex::species ? " s;" : " d;";
     return std::string(key.letters) + index + std::string(value);
 }
-
-/// The text in hand, and what was found in its items so far.
-struct TextCheck {
-    const TextPlace& where;
-    Findings& findings;
-    std::string_view raw{};                                   ///< the item as written
-    std::string item{};                                       ///< the same as the readers take it
-    std::vector<std::pair<const Key*, std::int64_t>> given{}; ///< keys of the text with their indices
-    bool previousLacksIndex = false;                          ///< what follows the ":" was its number
-
-    void add(const char* rule, std::string text, Severity severity = Severity::warning) const {
-        findings.add({severity, rule, where.place, std::string(trimmed(raw)), std::move(text)});
-    }
-};
 
 // --- where a key counts --------------------------------------------------------------------------------------------
 
@@ -128,12 +101,15 @@ const Key* keyElsewhere(std::string_view head) {
 }
 
 void checkItemWithoutKey(TextCheck& check) {
-    const std::string_view head = trimmed(check.item);
+    const std::string_view head = bareText(check.item);
     if (head.empty() || (check.previousLacksIndex && isDigit(head[0]))) return;
     if (const Key* const elsewhere = keyElsewhere(head)) {
         addNotHere(check, *elsewhere);
         return;
     }
+    if (head == "WALL" || head == "SOLID" || head == "X" || head == "INLET")
+        check.add("remark", "it is a remark, and the cell is what its keys say. A wall is WV 0;2, an inlet "
+                            "WV 1;-1:VV 1;...:WP 1:WT 1");
     if (!hasDigit(head)) return; // a remark
     std::size_t letters = 0;
     while (letters < head.size() && isLetter(head[letters])) ++letters;
@@ -167,14 +143,23 @@ bool isOtherUnit(std::string_view word) {
                                                  "G",
                                                  "KJ",
                                                  "KW",
-                                                 "MW"};
+                                                 "MW",
+                                                 "ATM",
+                                                 "PSI",
+                                                 "TORR",
+                                                 "US",
+                                                 "UPAS",
+                                                 "MPAS",
+                                                 "INCH",
+                                                 "IN",
+                                                 "FT"};
     return std::find(std::begin(units), std::end(units), word) != std::end(units);
 }
 
 /// Looks at what follows the number of a key, up to the next key of the item. False: it may not be the number meant.
 bool endsCleanly(const TextCheck& check, const KeyText& key, std::size_t next) {
     const std::string_view rest = std::string_view(check.item).substr(key.valueEnds, next - key.valueEnds);
-    const std::string_view word = trimmed(rest.substr(0, rest.find_first_of(" ", rest.find_first_not_of(' '))));
+    const std::string_view word = bareText(rest.substr(0, rest.find_first_of(" ", rest.find_first_not_of(' '))));
     if (word.empty() || word == readable(key.key->unit)) return true;
     const std::string value = withUnit(key.value, key.key->unit);
     if (isOtherUnit(word)) {
@@ -183,9 +168,13 @@ bool endsCleanly(const TextCheck& check, const KeyText& key, std::size_t next) {
     }
     const bool isAttached = rest[0] != ' ' && rest[0] != '"';
     if (!isAttached && !hasDigit(rest)) return true; // a remark
-    const std::string hint = rest[0] == ';' ? "; " + std::string(key.key->letters) + " takes no index" : "";
-    check.add("number-breaks-off", "the number of " + std::string(key.key->letters) + " ends before " + quoted(word)
-                                       + ": it is " + value + hint);
+    const std::string hint = rest[0] == ';' && key.key->form == KeyForm::plain
+                                 ? "; " + std::string(key.key->letters) + " takes no index"
+                                 : "";
+    check.add("number-breaks-off",
+              "the number of " + std::string(key.key->letters) + " ends before "
+                  + quoted(check.raw.substr(static_cast<std::size_t>(word.data() - check.item.data()), word.size()))
+                  + ": it is " + value + hint);
     return false;
 }
 
@@ -194,10 +183,14 @@ void addMissingNumber(const TextCheck& check, const KeyText& key) {
     std::string hint;
     if (hasOddSpace(check.raw))
         hint = ". A non-breaking space is no blank: delete it and type a blank";
+    else if (check.raw.find("\xE2\x88\x92") != std::string_view::npos
+             || check.raw.find("\xE2\x80\x93") != std::string_view::npos)
+        hint = ". A dash is no minus: type \"-\"";
     else if (check.item.find('=', after) != std::string::npos)
         hint = ". Write it without \"=\": " + written(*key.key, "...");
     check.add("missing-number",
-              "no number after " + named(*key.key) + ": it counts as " + withUnit(0, key.key->unit) + hint);
+              "no number after " + named(*key.key) + ": it counts as " + withUnit(0, key.key->unit) + hint,
+              key.key->range == KeyRange::positive ? Severity::error : Severity::warning);
 }
 
 /// The highest index that a key takes; -1: none.
@@ -224,7 +217,7 @@ void checkIndex(const TextCheck& check, const KeyText& key) {
     const std::size_t semicolon = check.item.find(';', after);
     std::size_t read = 0;
     numericPrefix(std::string_view(check.item).substr(after, semicolon - after), read);
-    const bool isWhole = trimmed(std::string_view(check.item).substr(after + read, semicolon - after - read)).empty();
+    const bool isWhole = bareText(std::string_view(check.item).substr(after + read, semicolon - after - read)).empty();
     const std::int64_t low = lowestIndex(check.where, key.key->index);
     const std::int64_t high = highestIndex(check.where, key.key->index);
     const bool exists = key.index == std::floor(key.index) && key.index >= static_cast<double>(low)
@@ -239,53 +232,6 @@ void checkIndex(const TextCheck& check, const KeyText& key) {
     else if (!exists)
         check.add("no-such-index", is + ", and this model has " + std::to_string(low) + " to " + std::to_string(high)
                                        + ": it does nothing");
-}
-
-void addRange(const TextCheck& check, const KeyText& key, const std::string& is) {
-    const double v = key.value;
-    const bool isPositive = v > 0 && static_cast<float>(v) > 0;
-    if (key.key->range == KeyRange::positive && !isPositive)
-        check.add("not-positive", is + ", which has to be above 0", Severity::error);
-    if (key.key->range == KeyRange::notNegative && v < 0) check.add("negative", is + ", which should not be below 0");
-    if (key.key->range == KeyRange::fraction && !(v >= 0 && v <= 1))
-        check.add("no-fraction", is + "; a mass fraction lies between 0 and 1");
-    if (key.key->letters == "TT" && isPositive && v < 150)
-        check.add("celsius", is + ". Is it deg C? Then write TT " + generalText(static_cast<float>(v + 273.15)));
-}
-
-/// The largest number that the field of a key holds; infinite where it is no whole number.
-struct LargestWhole {
-    double operator()(std::monostate) const { return HUGE_VAL; }
-
-    template <class Number>
-    double operator()(Number SimState::*) const {
-        return largest(Number());
-    }
-
-    template <class Number>
-    double operator()(Array<Number> SimState::*) const {
-        return largest(Number());
-    }
-
-    template <class Number>
-    double operator()(CellTable<Number> SimState::*) const {
-        return largest(Number());
-    }
-
-    template <class Number>
-    static double largest(Number) {
-        return std::is_integral_v<Number> ? static_cast<double>(std::numeric_limits<Number>::max()) : HUGE_VAL;
-    }
-};
-
-void checkValue(const TextCheck& check, const KeyText& key) {
-    const std::string is = named(*key.key) + " is " + withUnit(key.value, key.key->unit);
-    addRange(check, key, is);
-    const double most = std::visit(LargestWhole(), key.key->target);
-    if (std::abs(key.value) > most)
-        check.add("limited", is + "; it is limited to " + std::to_string(static_cast<std::int64_t>(most)));
-    else if (most < HUGE_VAL && key.value != std::floor(key.value))
-        check.add("not-whole", is + "; it is rounded to a whole number");
 }
 
 void checkGivenTwice(TextCheck& check, const KeyText& key) {
@@ -350,7 +296,11 @@ void checkItem(TextCheck& check) {
     forEachKey(check.item, check.where.scope, check.where.nDim, [&](const KeyText& key) { keys.push_back(key); });
     std::sort(keys.begin(), keys.end(), [](const KeyText& a, const KeyText& b) { return a.at < b.at; });
     const bool isColumn1 = check.where.place.column == 1;
-    const bool isOfColumn1 = isColumn1 && trimmed(check.item).substr(0, 2) == "NS";
+    const bool isOfColumn1 = isColumn1 && bareText(check.item).substr(0, 2) == "NS";
+    if (isOfColumn1) {
+        const Key& species = keyOf("NS");
+        checkValue(check, readKey(check.item, species, check.item.find(species.letters)));
+    }
     if (keys.empty() && !isOfColumn1) checkItemWithoutKey(check);
     if (!keys.empty()) check.previousLacksIndex = false;
     addInsideWord(check, keys);

@@ -2,6 +2,7 @@
 
 #include "check/table_rules.h"
 #include "core/number_text.h"
+#include "core/quantities.h"
 #include "core/wall_codes.h"
 #include "display/field_plot.h"
 #include "exchange/log_file.h"
@@ -64,20 +65,88 @@ void checkVelocities(const ModelCheck& check, std::int32_t cell) {
     for (int dim = 1; dim <= sim.nDim; ++dim) {
         const std::int16_t code = sim.wallVelocity(cell, dim);
         const bool hasGiven = check.isGiven(check.given.velocities, cell, dim);
-        const bool looksLikeInlet = sim.wallPressure[cell] != wallFree;
+        const bool looksLikeInlet = sim.wallPressure[cell] > 0;
         if (hasGiven && !isImposed(code) && sim.velocityInit(cell, dim) != 0 && looksLikeInlet)
-            check.add("velocity-not-imposed", cell,
-                      along("VV", dim, number(sim.velocityInit(cell, dim)).c_str())
+            check.add(
+                "velocity-not-imposed", cell,
+                check.isGiven(check.given.codes, cell, dim)
+                    ? "the face that the velocity is meant for is closed, by this cell or a WV 0;2 of its neighbour"
+                    : along("VV", dim, number(sim.velocityInit(cell, dim)).c_str())
                           + " is only the speed at the start. Is it an inlet? Then it takes " + along("WV", dim, "-1")
                           + ", too");
         if (!isImposed(code)) continue;
         if (sim.velocityInit(cell, dim) != 0)
             checkImposedFace(check, cell, dim);
-        else if (check.isGiven(check.given.codes, cell, dim) && !hasVelocity(sim, cell))
+        else if ((check.isGiven(check.given.codes, cell, dim) || check.isGiven(check.given.codes, cell, 0))
+                 && !hasVelocity(sim, cell))
             check.add("code-without-velocity", cell,
                       along("WV", dim, number(code).c_str()) + " imposes the velocity 0, since the cell has no VV. Is "
                           + along("VV", dim, "...") + " missing?");
     }
+}
+
+/// One cell in a row of inlets that has all of theirs but WP.
+void checkMissingHold(const ModelCheck& check, std::int32_t cell) {
+    const SimState& sim = check.sim;
+    for (int dim = 1; dim <= sim.nDim; ++dim) {
+        const float velocity = sim.velocityInit(cell, dim);
+        if (!isImposed(sim.wallVelocity(cell, dim)) || !(velocity > 0)) continue;
+        bool isAmongInlets = false;
+        forEachNeighbour(sim, cell, [&](std::int32_t neighbour, int, std::int32_t) {
+            const bool isInlet = (check.kinds[at(neighbour)] & kindInlet) != 0;
+            isAmongInlets = isAmongInlets || (isInlet && sim.velocityInit(neighbour, dim) == velocity);
+        });
+        if (isAmongInlets)
+            check.add("inlet-not-held", cell,
+                      "its neighbours are inlets with WP 1, and this cell has none: it empties");
+    }
+}
+
+/// What holds masses, pressure or energy of a cell, where it does not do what it is for.
+void checkHeldCell(const ModelCheck& check, std::int32_t cell) {
+    const SimState& sim = check.sim;
+    const unsigned kind = check.kinds[at(cell)];
+    if ((kind & kindWall) != 0 && sim.wallPressure[cell] != wallFree)
+        check.add("held-in-wall", cell, "WP does nothing here: no face of the cell is open");
+    if ((kind & kindInlet) != 0 && sim.wallTemperature[cell] == wallFree)
+        check.add("inlet-cools", cell,
+                  "the flow takes heat out of this inlet, and nothing replaces it: its gas cools down. An inlet takes "
+                  "WT 1 or "
+                  "WT -1, too");
+    if ((kind & kindReacting) != 0 && sim.paramGP[15] == 0)
+        check.add("no-reaction", cell, "species react here (WC 1), and GP 11; to GP 15; are not given");
+    if (exchangesSpecies(sim.wallConcentration[cell]) && sim.nsMax < 1)
+        check.add("no-reaction", cell, "WC 1 needs a second species (NS 1)");
+    if (sim.wallPressure[cell] == wallFree && (kind & kindWall) == 0) checkMissingHold(check, cell);
+}
+
+/// An outlet in the last cell of a line, whose far face is closed by the end of the line.
+void checkOutletFace(const ModelCheck& check, std::int32_t cell) {
+    const SimState& sim = check.sim;
+    if ((check.kinds[at(cell)] & (kindOutlet | kindWall)) != kindOutlet) return;
+    for (int dim = 1; dim <= sim.nDim; ++dim) {
+        const std::int32_t stride = sim.cellStride[dim];
+        const std::int32_t place = (cell - 1) % sim.cellStride[dim + 1];
+        const bool isLast = place >= sim.cellStride[dim + 1] - stride && place >= stride;
+        if (!isLast || !isClosed(sim.wallVelocity(cell, dim)) || !isOpenFace(sim, cell - stride, dim)) continue;
+        if ((check.kinds[at(cell - stride)] & kindOutlet) != 0) continue; // the flow comes another way
+        check.add("outlet-brakes", cell,
+                  "this outlet is the last cell of its line, whose closed end brakes the flow; it takes "
+                      + along("WV", dim, "0") + ", too");
+    }
+}
+
+/// Gas that flows between cells of different heat capacity changes its temperature.
+void checkHeatCapacity(const ModelCheck& check, std::int32_t cell) {
+    const SimState& sim = check.sim;
+    if ((check.kinds[at(cell)] & kindWall) != 0) return;
+    forEachNeighbour(sim, cell, [&](std::int32_t neighbour, int dim, std::int32_t face) {
+        const bool flows = face == cell && isOpenFace(sim, face, dim);
+        if (flows && sim.heatCapacity[cell] != sim.heatCapacity[neighbour])
+            check.add("heat-capacity", cell,
+                      "gas flows between cells of different CP and changes its temperature by that; give CP one value "
+                      "wherever gas flows");
+    });
 }
 
 void checkFractions(const ModelCheck& check, std::int32_t cell) {
@@ -162,7 +231,7 @@ void checkOutputs(const ModelCheck& check) {
     const PlaneRange range = planeRange(sim);
     if (!range.found || sim.updateEvery == 0) return;
     if (!(range.high < sim.scaleMin || range.low > sim.scaleMax)) return;
-    const bool isTemperature = sim.showWhat <= 1;
+    const bool isTemperature = drawnQuantity(sim.showWhat) == showTemperature;
     check.add("one-colour", 0,
               "the first plot has one colour: what it shows lies between " + number(range.low) + " and "
                   + number(range.high) + ", and the scale goes from SI " + number(sim.scaleMin) + " to SA "
@@ -182,6 +251,10 @@ const char* limitText(StepLimit kind) {
 
 void checkStep(const ModelCheck& check, const StableStep& stable) {
     const SimState& sim = check.sim;
+    if (sim.stepLimit < 0) check.add("endless", 0, "NT is below 0: a run goes on until it is stopped", Severity::note);
+    if (sim.stepLimit == 0)
+        check.add("one-step", 0, "NT is 0 or not given: a run makes one step; NT or run --time say how many",
+                  Severity::note);
     const LimitingCell limit = stable.smallest();
     if (stable.againstUpwind != 0)
         check.add(
@@ -192,7 +265,12 @@ void checkStep(const ModelCheck& check, const StableStep& stable) {
     const double part = double(sim.dt) / limit.step;
     const std::string step = "DT " + number(sim.dt) + " s is " + number(part) + " times the largest stable step, "
                              + number(limit.step) + " s (by " + limitText(stable.kind()) + " in this cell)";
-    if (part > 1)
+    constexpr double absurd = 1000;
+    if (part > absurd)
+        check.add("step-too-large", limit.cell,
+                  step + ". Is a value out of its unit (PP in Pa, DD in m, RH in kg/m3, ET in Pa s)? Else write DT "
+                      + number(suggestedStep(stable)));
+    else if (part > 1)
         check.add("step-too-large", limit.cell, step + ". Write DT " + number(suggestedStep(stable)));
     else if (part < 0.01)
         check.add("step-too-small", limit.cell,
@@ -250,6 +328,9 @@ void checkModel(const SimState& sim,
     for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
         checkVelocities(check, cell);
         checkFractions(check, cell);
+        checkHeldCell(check, cell);
+        checkOutletFace(check, cell);
+        checkHeatCapacity(check, cell);
     }
     checkSupply(check);
     checkOutlets(check);

@@ -8,6 +8,7 @@
 #include <map>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace norvane {
 
@@ -37,9 +38,10 @@ struct Frame {
     std::int64_t columns = 0; ///< of row 1
     std::int64_t firstLayerRow = 0;
     std::int64_t lastLayerRow = 0;
-    std::int64_t widestOther = 0;     ///< last column with a text in any row but the first
-    std::int64_t widestFirst = 0;     ///< the same of row 1
-    std::int64_t lastText = 0;        ///< last row with a text
+    std::int64_t widestOther = 0; ///< last column with a text in any row but the first
+    std::int64_t widestFirst = 0; ///< the same of row 1
+    std::int64_t lastText = 0;    ///< last row with a text
+    std::vector<std::int64_t> layerRows{};
     std::int64_t columnsOfOthers = 0; ///< of the longest row but the first
 };
 
@@ -68,12 +70,13 @@ Frame walkedFrame(const CellTextTable& table) {
             const std::string_view text = table.row(row);
             frame.widestOther = std::max(frame.widestOther, last);
             frame.columnsOfOthers =
-                std::max<std::int64_t>(frame.columnsOfOthers, std::count(text.begin(), text.end(), '	') + 1);
+                std::max<std::int64_t>(frame.columnsOfOthers, std::count(text.begin(), text.end(), '\t') + 1);
         }
         if (last > 0) frame.lastText = row;
         if (!isLayerRow(firstColumn(table, row))) continue;
         if (frame.firstLayerRow == 0) frame.firstLayerRow = row;
         frame.lastLayerRow = row;
+        frame.layerRows.push_back(row);
     }
     return frame;
 }
@@ -106,6 +109,22 @@ void checkWidth(const CellTextTable& table, const Frame& frame, Findings& findin
                           + " part of the drawing?"});
 }
 
+bool layersAreEqual(const Frame& frame) {
+    for (std::size_t k = 2; k < frame.layerRows.size(); ++k)
+        if (frame.layerRows[k] - frame.layerRows[k - 1] != frame.layerRows[1] - frame.layerRows[0]) return false;
+    return true;
+}
+
+/// Whether two rows or more have an empty column A and an L in column B.
+bool hasMarksInColumn2(const CellTextTable& table) {
+    int marks = 0;
+    for (std::int64_t row = 1; row <= table.rowCount(); ++row) {
+        const std::string_view text = table.row(row);
+        if (text.size() >= 2 && text[0] == '\t' && isLayerRow(text.substr(1))) ++marks;
+    }
+    return marks >= 2;
+}
+
 void checkMarks(const CellTextTable& table, const Frame& frame, Findings& findings) {
     for (std::int64_t row = 1; row <= table.rowCount(); ++row) {
         const std::string_view text = firstColumn(table, row);
@@ -118,43 +137,67 @@ void checkMarks(const CellTextTable& table, const Frame& frame, Findings& findin
         if (!isLayerRow(text)) continue;
         const std::string_view item = firstItem(text);
         if (isBareMark(item)) continue;
-        findings.add({Severity::warning,
+        // One at its place among the others is a mark with a title.
+        const bool isTitle = row != frame.firstLayerRow && layersAreEqual(frame);
+        findings.add({isTitle ? Severity::note : Severity::warning,
                       "row-begins-with-l",
                       {row, 1},
                       std::string(item),
                       "this row begins with L, so that it ends the rows above as an L row. If it is no such row, put "
                       "another item before it or move it to another column"});
     }
-    if (frame.lastLayerRow > 0 && frame.lastText > frame.lastLayerRow)
-        findings.add({Severity::error,
-                      "text-after-end",
-                      {frame.lastText, 0},
-                      "",
-                      "the last row of the file has to be the L row that ends the last layer (row "
-                          + std::to_string(frame.lastLayerRow) + "); delete what follows it"});
 }
+
+/// What the load says of such tables is hard to understand.
+void checkLayers(const CellTextTable& table, const Frame& frame, Findings& findings) {
+    const auto add = [&](const char* rule, std::int64_t row, const std::string& text) {
+        findings.add({Severity::error, rule, {row, 0}, "", text});
+    };
+    const bool isShifted = frame.layerRows.empty() && table.rowCount() > 1 && hasMarksInColumn2(table);
+    if (isShifted) add("shifted", 0, "the L rows have their L in column B; it has to be in column A: delete column A");
+    if (frame.layerRows.size() == 1)
+        add("one-l-row", frame.firstLayerRow,
+            "this is the only L row; each layer has an L row above it and one below. Add one after row "
+                + std::to_string(frame.lastText));
+    else if (frame.lastLayerRow > 0 && frame.lastText > frame.lastLayerRow)
+        add("text-after-end", frame.lastText,
+            "the last row has to be the L row that ends the last layer. Add one below, or delete what follows row "
+                + std::to_string(frame.lastLayerRow));
+    else if (frame.lastLayerRow > 0 && table.rowCount() > frame.lastLayerRow)
+        add("lines-after-end", frame.lastLayerRow + 1, "empty lines after the last L row; delete them");
+    if (frame.layerRows.size() < 3 || layersAreEqual(frame)) return;
+    std::string sizes;
+    for (std::size_t k = 1; k < frame.layerRows.size() && k <= 12; ++k)
+        sizes += (k > 1 ? ", " : "") + std::to_string(frame.layerRows[k] - frame.layerRows[k - 1] - 1);
+    add("unequal-layers", frame.firstLayerRow,
+        "the L rows enclose layers of " + sizes + (frame.layerRows.size() > 13 ? " ..." : "")
+            + " rows; all layers need as many rows");
+}
+
+/// What columns may be separated by in place of tabs; twice in a row, or at an end, since one alone may be part of a
+/// key.
+struct Separator {
+    const char* twice;
+    const char* name;
+};
 
 void checkSeparators(const CellTextTable& table, const Frame& frame, Findings& findings) {
     if (frame.columns > 1 || table.rowCount() < 3) return;
-    std::int64_t rows = 0;
-    char separator = 0;
-    for (const char each : {';', ','}) {
-        std::int64_t with = 0;
+    for (const Separator& each : {Separator{";;", "\";\""}, Separator{",,", "\",\""}, Separator{"  ", "blanks"}}) {
+        std::int64_t rows = 0;
         for (std::int64_t row = 1; row <= table.rowCount(); ++row) {
             const std::string_view text = table.row(row);
-            if (std::count(text.begin(), text.end(), each) >= 2 && text.find('\t') == std::string_view::npos) ++with;
+            const bool isAtEnd = !text.empty() && (text.front() == each.twice[0] || text.back() == each.twice[0]);
+            if (isAtEnd || text.find(each.twice) != std::string_view::npos) ++rows;
         }
-        if (with > rows) {
-            rows = with;
-            separator = each;
-        }
+        if (rows * 2 <= table.rowCount()) continue;
+        findings.add({Severity::error,
+                      "separator",
+                      {},
+                      "",
+                      std::string("the columns seem to be separated by ") + each.name + "; " + saveAsText});
+        return;
     }
-    if (rows * 2 <= table.rowCount()) return;
-    findings.add({Severity::error,
-                  "separator",
-                  {},
-                  "",
-                  std::string("the columns seem to be separated by \"") + separator + "\"; " + saveAsText});
 }
 
 /// Keys of the rows with defaults, with the place that gave each last.
@@ -216,6 +259,7 @@ void checkFrame(const CellTextTable& table, Findings& findings) {
     checkSeparators(table, frame, findings);
     checkWidth(table, frame, findings);
     checkMarks(table, frame, findings);
+    checkLayers(table, frame, findings);
 }
 
 void checkTexts(const SimState& sim, Findings& findings) {

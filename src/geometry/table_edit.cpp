@@ -79,6 +79,8 @@ std::string applyChange(SimState& sim, const std::string& change) {
     if (cell == 0)
         return "\"" + left + "\" is neither a key nor a cell of the drawing, " + spreadsheetAddress(placeOf(sim, 1))
                + " to " + spreadsheetAddress(placeOf(sim, sim.nCells));
+    if (placeOf(sim, cell).column == 1 && !right.empty() && (right[0] == 'L' || right[0] == 'l'))
+        return "a text that begins with L in column A would make an L row; put another item before it";
     setCellText(sim, cell, right);
     return {};
 }

@@ -102,7 +102,16 @@ TEST(check, findsMistakesInTheTextOfACell) {
                                                                     {"DD 1;-0.1", "not-positive G6"},
                                                                     {"LA -1", "negative G6"},
                                                                     {"TT 20", "celsius G6"},
-                                                                    {"WV 1;-1", "code-without-velocity G6"}};
+                                                                    {"WV 1;-1", "code-without-velocity G6"},
+                                                                    {"WV 0;-1", "code-without-velocity G6"},
+                                                                    {"WV 0;3", "no-such-choice G6"},
+                                                                    {"PP 1E400", "not-finite G6"},
+                                                                    {"TT \xE2\x88\x92"
+                                                                     "5",
+                                                                     "missing-number G6"},
+                                                                    {"wall", "remark G6"},
+                                                                    {"CP 2000", "heat-capacity G5"},
+                                                                    {"WC 1", "no-reaction G6"}};
     for (const auto& [text, rule] : cases) {
         Tee tee;
         tee.cell = text;
@@ -128,6 +137,10 @@ TEST(check, findsMistakesInDefaultsAndModel) {
         {Tee().with(&Tee::inlet, "VV 1;10:WV 1;-2"), "inlet-not-held A4"},
         {Tee().with(&Tee::outlet, "").with(&Tee::bottom, ""), "no-outlet A4"},
         {Tee().with(&Tee::outlet, "WP 1:WV 1;-2:VV 1;-10"), "face-without-neighbour T4"},
+        {Tee().with(&Tee::inlet, "VV 1;10:WV 1;-2:WP 1"), "inlet-cools A4"},
+        {Tee().with(&Tee::outlet, "WP -1"), "outlet-brakes T4"},
+        {Tee().with(&Tee::defaults, "NT -1\tDT 1E-5"), "endless "},
+        {Tee().with(&Tee::defaults, "NS 1,5\tDT 1E-5"), "not-whole A1"},
         {Tee().with(&Tee::defaults, "NS 2\tDT 1E-5").with(&Tee::cell, "CC 1;0.7 CC 2;0.5"), "fractions-above-1 G6"}};
     for (const auto& [tee, rule] : cases)
         EXPECT_THAT(rulesOf(tee.text()), Contains(rule)) << tee.defaults << tee.inlet << tee.outlet;
@@ -146,6 +159,11 @@ TEST(check, findsFaultsOfTheFrame) {
     EXPECT_THAT(rulesOf("DT 1E-5\t\t\t \nL\n\tTT 310\nL"), Contains("width-of-line-1 D1"));
     EXPECT_THAT(rulesOf("NT 5;DT 1;UT 5\nL;;\n;TT 310;\nL;;"), Contains("separator "));
     EXPECT_THAT(rulesOf("L\t\n\t\nL\t\n\t\n\t\nL\t"), Contains("layer-mark row 5"));
+    EXPECT_THAT(rulesOf("L\t\n\t\nL\t\n\t\n\t\nL\t"), Contains("unequal-layers row 1"));
+    EXPECT_THAT(rulesOf("\tL\n\t\n\tL"), Contains("shifted "));
+    EXPECT_THAT(rulesOf("L\t\n\t"), Contains("one-l-row row 1"));
+    EXPECT_THAT(rulesOf("L\t\n\t\nL\t\n\n"), Contains("lines-after-end row 4"));
+    EXPECT_THAT(rulesOf("NT 5  DT 1  UT 5\nL  \n  TT 310  \nL  "), Contains("separator "));
     EXPECT_THAT(rulesOf("PK\x03\x04"), Contains("no-text "));
     TestProgram test;
     test.write("v1.2.gmt", "L\n\nL");
@@ -157,7 +175,7 @@ TEST(check, findsFaultsOfTheFrame) {
 TEST(check, leavesGoodTablesAlone) {
     EXPECT_THAT(rulesOf(Tee().text()), IsEmpty());
     for (const char* text :
-         {"TT 400 K", "a remark", "WV 1;-1 WV 2;-1:VV 2;3", "CP 900:LA 3,5", "tt 400:", "DD 1;0,01 m"}) {
+         {"TT 400 K", "a remark", "WV 1;-1 WV 2;-1:VV 2;3", "ET 1E-4:LA 3,5", "tt 400:", "DD 1;0,01 m"}) {
         Tee tee;
         tee.cell = text;
         EXPECT_THAT(rulesOf(tee.text()), IsEmpty()) << text;

@@ -263,6 +263,12 @@ TEST(commandLine, changesTheDrawingInMemoryAndTheNamesOfItsOutputs) {
     EXPECT_FALSE(test.exists("m_out") || test.exists("checkstop"));
     EXPECT_EQ(test.read("m.gmt"), table);
     EXPECT_THAT(test.read("s.json"), HasSubstr("\"end\": \"stopStep\",\n  \"step\": 5,"));
+    for (const char* option : {"--summary m.gmt", "--summary x.txt", "--stop-file x.txt", "--stop-file m.gmt"}) {
+        test.write("x.txt", "notes");
+        EXPECT_EQ(runProgram("run m.gmt " + std::string(option)).status, 2) << option;
+        EXPECT_EQ(test.read("m.gmt") + test.read("x.txt"), table + "notes") << option;
+    }
+    EXPECT_EQ(runProgram("run m.gmt -q --summary s.json --stop-file own").status, 0) << "those of an earlier run";
     for (const char* change : {"DT", "DT=abc", "A1=TT 5", "D3=TT 5", "NS=2", "GG=9", "TT 1=5", "=5"})
         EXPECT_EQ(runProgram("run m.gmt --set \"" + std::string(change) + "\"").status, 2) << change;
     EXPECT_EQ(runProgram("run m.gmt --name a/b").status, 2);
@@ -284,7 +290,7 @@ TEST(commandLine, showsAndComparesDrawings) {
     EXPECT_EQ(runProgram("diff a.gmt a.gmt").status, 0);
     const Outcome outcome = runProgram("diff a.gmt b.gmt");
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.out, HasSubstr("A3: TT 298.15 -> 310\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("A3, B3, C3, A4, B4 and 4 more: TT 298.15 -> 310\n"));
     EXPECT_EQ(runProgram("check a.gmt --picture p.png").status, 0);
     EXPECT_EQ(test.read("p.png").substr(1, 3), "PNG");
     EXPECT_EQ(runProgram("check a.gmt --picture p.txt").status, 2);

@@ -71,6 +71,9 @@ ExitStatus loadFor(Console& console, const std::string& geometry) {
     selectGeometry(program, geometry);
     loadGeometry(sim, program.ui);
     closeSeries(console);
+    const std::string withEnding = geometry + FileList::ending;
+    if (sim.reported.geometry && stampOf(withEnding).exists)
+        std::fprintf(stderr, "Did you mean %s?\n", printableName(withEnding).c_str());
     if (sim.reported.geometry) return exitFileFault;
     if (sim.nDim > 0 && sim.nCells == 0)
         std::fprintf(stderr, "%s: a grid without cells; mend its layer marks\n", printableName(sim.fileName).c_str());

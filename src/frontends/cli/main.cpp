@@ -1,5 +1,6 @@
 // The command line. Options are read here and nowhere else.
 
+#include "core/number_text.h"
 #include "core/quantities.h"
 #include "core/sim_state.h"
 #include "frontends/cli/check_command.h"
@@ -17,6 +18,9 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <iostream>
@@ -66,6 +70,16 @@ constexpr const char* scriptHelp =
 constexpr const char* lookStatusHelp = "Exit status: 0 done, 2 bad use, 3 the geometry cannot be used,\n"
                                        "4 a file cannot be read or written.";
 
+/// What is wrong with an option's text; empty: nothing.
+std::string notEmpty(const std::string& text) { return text.empty() ? "it is empty" : ""; }
+
+std::string positiveTime(const std::string& text) {
+    std::size_t length = 0;
+    const double seconds = numericPrefix(text, length);
+    const bool isTime = length > 0 && length == text.size() && std::isfinite(seconds) && seconds > 0;
+    return isTime ? "" : "\"" + printableName(text) + "\" is no time in seconds above 0";
+}
+
 void addGeometry(CLI::App* command, std::string& geometry) {
     command->add_option("GEOMETRY", geometry, "the table of the geometry, a .gmt file")->required();
 }
@@ -93,14 +107,21 @@ CLI::App* addRun(CLI::App& app, RunOptions& options) {
     run->add_flag("--force", options.force, "run a drawing that \"norvane check\" finds errors in");
     run->add_option("--set", options.changes,
                     "change the drawing in memory: DT=2E-5, \"GG 2=9.81\", C7=\"TT 400\"; may be repeated")
-        ->type_name("CHANGE");
+        ->type_name("CHANGE")
+        ->check(notEmpty);
     run->add_option("--time", options.time, "seconds to run, instead of the steps of key NT")
         ->type_name("SECONDS")
-        ->check(CLI::PositiveNumber);
-    run->add_option("-o,--output", options.folder, "the folder of all outputs, made if missing")->type_name("DIR");
-    run->add_option("--name", options.name, "the name that all outputs begin with")->type_name("BASE");
-    run->add_option("--stop-file", options.stopFile, "a stop file of its own, instead of checkstop")->type_name("FILE");
-    run->add_option("--summary", options.summary, "write how the run ended as JSON")->type_name("FILE");
+        ->check(positiveTime);
+    run->add_option("-o,--output", options.folder, "the folder of all outputs, made if missing")
+        ->type_name("DIR")
+        ->check(notEmpty);
+    run->add_option("--name", options.name, "the name that all outputs begin with")->type_name("BASE")->check(notEmpty);
+    run->add_option("--stop-file", options.stopFile, "a stop file of its own, instead of checkstop")
+        ->type_name("FILE")
+        ->check(notEmpty);
+    run->add_option("--summary", options.summary, "write how the run ended as JSON")
+        ->type_name("FILE")
+        ->check(notEmpty);
     run->footer(runStatusHelp);
     return run;
 }
@@ -168,8 +189,12 @@ CLI::App* addShow(CLI::App& app, ShowOptions& options) {
     CLI::App* show = app.add_subcommand("show", showHelp);
     addGeometry(show, options.geometry);
     show->add_option("ADDRESS", options.address, "a cell of the spreadsheet, such as C7");
-    show->add_option("--key", options.key, "one key of all cells as a table in the shape of the drawing, such as LA");
-    show->add_option("--component", options.component, "of that key: the dimension, or the species from 0");
+    CLI::Option* key = show->add_option("--key", options.key,
+                                        "one key of all cells as a table in the shape of the drawing, such as LA");
+    key->excludes("ADDRESS")->check(notEmpty);
+    show->add_option("--component", options.component, "of that key: the dimension, or the species from 0")
+        ->needs(key)
+        ->check(CLI::Range(0, 32767));
     show->add_option("--picture", options.picture, "draw what each cell is; .png, .svg, .pdf or .bmp")
         ->type_name("FILE");
     show->footer(lookStatusHelp);
@@ -233,6 +258,15 @@ std::string unknownWord(const CLI::App& app, const std::vector<std::string>& wor
     return {};
 }
 
+/// The status of a command whose result is what it prints.
+int printedStatus(ExitStatus status) {
+    errno = 0;
+    const bool printed = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    if (printed || errno == EPIPE) return status;
+    std::cerr << "norvane: not all could be printed\n";
+    return exitFileFault;
+}
+
 int runCommandLine(int argc, char** argv) {
     CLI::App app("Norvane simulates compressible gas flow with heat and species transport through a grid of cells,\n"
                  "drawn in a spreadsheet and saved as a tab-separated .gmt table.");
@@ -279,9 +313,9 @@ int runCommandLine(int argc, char** argv) {
     if (*run) return runGeometry(runOptions);
     if (*plot) return plotGeometry(plotOptions);
     if (*spectrum) return writeSpectrumOf(spectrumOptions);
-    if (*check) return checkGeometries(checkOptions);
-    if (*show) return showGeometry(showOptions);
-    if (*diff) return diffGeometries(before, after, picture);
+    if (*check) return printedStatus(checkGeometries(checkOptions));
+    if (*show) return printedStatus(showGeometry(showOptions));
+    if (*diff) return printedStatus(diffGeometries(before, after, picture));
     return runScript(scriptPath, trace, putsAnywhere);
 }
 

@@ -10,8 +10,8 @@
 #include "frontends/cli/frames.h"
 #include "frontends/cli/progress.h"
 #include "frontends/cli/run_report.h"
+#include "frontends/cli/run_setup.h"
 #include "frontends/cli/stop_signals.h"
-#include "geometry/table_edit.h"
 #include "platform/claim.h"
 #include "platform/files.h"
 #include "platform/terminal_text.h"
@@ -270,46 +270,6 @@ int finish(ConsoleRun& run) {
     return sim.outcome.reachedStopStep ? exitDone : exitStoppedEarly;
 }
 
-/// Takes --set and --stop-file. Gives false after a message.
-bool takeChanges(ConsoleRun& run) {
-    SimState& sim = run.console.program.sim;
-    if (!run.options.stopFile.empty()) sim.stopFileName = run.options.stopFile;
-    for (const std::string& change : run.options.changes) {
-        const std::string fault = applyChange(sim, change);
-        if (fault.empty()) continue;
-        std::fprintf(stderr, "--set %s: %s\n", printableName(change).c_str(), printableName(fault).c_str());
-        return false;
-    }
-    return true;
-}
-
-/// Takes -o and --name, which say where all outputs go. Gives false after a message.
-bool takeNames(ConsoleRun& run) {
-    SimState& sim = run.console.program.sim;
-    if (!run.options.name.empty()) {
-        if (run.options.name.find_first_of("/\\") != std::string::npos) {
-            std::fprintf(stderr, "--name: \"%s\" is no name without folders; -o names the folder\n",
-                         printableName(run.options.name).c_str());
-            return false;
-        }
-        sim.baseName = run.options.name;
-        sim.outName = sim.baseName + "_out";
-    }
-    if (!run.options.folder.empty()) {
-        std::error_code failed;
-        std::filesystem::create_directories(run.options.folder, failed);
-        if (!std::filesystem::is_directory(run.options.folder, failed)) {
-            std::fprintf(stderr, "-o: the folder %s can't be made: %s\n", printableName(run.options.folder).c_str(),
-                         failed.message().c_str());
-            return false;
-        }
-        sim.inputDir = absolutePath(run.options.folder);
-    }
-    for (const char* const ending : {"_out", "_log", "_state"})
-        if (wouldOverwrite(run.options.geometry, joinPath(sim.inputDir, sim.baseName + ending))) return false;
-    return true;
-}
-
 /// Looks at the drawing, and prints the first findings. Gives false where it is not to be run.
 bool isWorthARun(ConsoleRun& run) {
     Program& program = run.console.program;
@@ -341,13 +301,13 @@ int runGeometry(const RunOptions& options) {
     program.sim.threads = options.threads;
     const ExitStatus loaded = loadFor(run.console, options.geometry);
     if (loaded != exitDone) return loaded;
-    if (!takeChanges(run)) return exitBadUse;
+    if (!takeChanges(options, program.sim)) return exitBadUse;
     if (wouldOverwrite(options.geometry, program.sim.stopFileName)) return exitBadUse;
     if (!isWorthARun(run)) return exitNoModel;
     program.operations.outputs.push_back(watchOf(run));
     if (options.radiation) importViewFactors(program.sim, program.ui);
     if (options.radiation && !program.sim.radActive) return exitFileFault; // reported by a message
-    if (!takeNames(run)) return exitBadUse;
+    if (!takeNames(options, program.sim)) return exitBadUse;
     if (!claimFiles(run)) return exitFileFault;
     run.frames.prefix = absolutePath(program.sim.inputDir + "/" + program.sim.baseName + "_");
     catchStopSignals();

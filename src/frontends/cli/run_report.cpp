@@ -83,15 +83,16 @@ std::vector<std::string> resultLines(const RunResult& result) {
 
 std::string resultJson(const RunResult& result) {
     std::string json = "{\n  \"geometry\": " + jsonString(result.sim.fileName) + ",\n  \"end\": \"" + result.end
-                       + "\",\n  \"step\": " + std::to_string(result.sim.stepCount) + ",\n  \"seconds\": "
+                       + "\",\n  \"step\": " + std::to_string(result.sim.stepCount) + ",\n  \"simulatedSeconds\": "
+                       + jsonNumber(double(result.sim.dt) * double(result.steps)) + ",\n  \"seconds\": "
                        + jsonNumber(result.seconds) + ",\n  \"cellStepsPerSecond\": " + jsonNumber(rateOf(result))
                        + ",\n  \"largestFractionOfStableStep\": " + jsonNumber(result.watch.largestFraction);
     for (const int quantity : reported) {
         const FieldExtremes extremes = extremesOf(result.sim, quantity, 0);
-        json += ",\n  " + jsonString(quantityOf(quantity).name)
-                + ": {\"unit\": " + jsonString(quantityOf(quantity).unit) + ", \"low\": " + jsonNumber(extremes.low)
-                + ", \"lowCell\": " + std::to_string(extremes.lowCell) + ", \"high\": " + jsonNumber(extremes.high)
-                + ", \"highCell\": " + std::to_string(extremes.highCell) + "}";
+        json += ",\n  " + jsonString(quantityOf(quantity).name) + ": {\"unit\": "
+                + jsonString(quantityOf(quantity).unit) + ", \"low\": " + jsonNumber(extremes.low) + ", \"lowCell\": "
+                + jsonString(addressOf(result.sim, extremes.lowCell)) + ", \"high\": " + jsonNumber(extremes.high)
+                + ", \"highCell\": " + jsonString(addressOf(result.sim, extremes.highCell)) + "}";
     }
     json += ",\n  \"files\": [";
     for (const std::string& file : result.files) json += (&file == result.files.data() ? "" : ", ") + jsonString(file);

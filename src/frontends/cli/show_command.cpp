@@ -11,19 +11,19 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <map>
+#include <utility>
+#include <vector>
 
 namespace norvane {
 
 namespace {
 
-/// Differences of cells that are printed one by one.
-constexpr std::size_t mostDifferences = 200;
-
-bool loads(const std::string& path, std::int32_t cell, TracedModel& model) {
+ExitStatus load(const std::string& path, std::int32_t cell, TracedModel& model) {
     const std::string fault = buildTraced(path, cell, model);
-    if (fault.empty()) return true;
+    if (fault.empty()) return exitDone;
     std::fprintf(stderr, "%s: %s\n", printableName(path).c_str(), printable(fault, true).c_str());
-    return false;
+    return model.sim.reported.geometry ? exitFileFault : exitNoModel;
 }
 
 void print(const std::vector<ListedValue>& values) {
@@ -86,12 +86,35 @@ bool hasSameShape(const SimState& a, const SimState& b) {
     return true;
 }
 
+/// What many cells have in common is one line, in the order of the first of them.
+void printDifferences(const SimState& sim, const std::vector<Difference>& found) {
+    constexpr std::size_t mostCells = 5;
+    constexpr std::size_t mostLines = 200;
+    std::vector<std::pair<std::string, std::vector<std::int32_t>>> lines;
+    std::map<std::string, std::size_t> lineOf;
+    for (const Difference& each : found) {
+        const std::string text = each.name + " " + each.before + " -> " + each.after;
+        const auto [line, isNew] = lineOf.insert({text, lines.size()});
+        if (isNew) lines.push_back({text, {}});
+        if (each.cell > 0) lines[line->second].second.push_back(each.cell);
+    }
+    for (std::size_t k = 0; k < lines.size() && k < mostLines; ++k) {
+        const auto& [text, cells] = lines[k];
+        std::string where;
+        for (std::size_t n = 0; n < cells.size() && n < mostCells; ++n)
+            where += (n > 0 ? ", " : "") + spreadsheetAddress(placeOf(sim, cells[n]));
+        if (cells.size() > mostCells) where += " and " + std::to_string(cells.size() - mostCells) + " more";
+        std::printf("%s%s%s\n", where.c_str(), where.empty() ? "" : ": ", text.c_str());
+    }
+    if (lines.size() > mostLines) std::printf("... and %zu more lines\n", lines.size() - mostLines);
+}
+
 } // namespace
 
 ExitStatus showGeometry(const ShowOptions& options) {
     if (!options.picture.empty() && !mayBePicture(options.geometry, options.picture)) return exitBadUse;
     TracedModel model;
-    if (!loads(options.geometry, 0, model)) return exitNoModel;
+    if (const ExitStatus status = load(options.geometry, 0, model); status != exitDone) return status;
     if (!options.picture.empty() && !drawnPicture(model.sim, {}, options.picture)) return exitFileFault;
     if (!options.key.empty()) return showKey(options, model.sim);
     if (options.address.empty()) {
@@ -107,7 +130,7 @@ ExitStatus showGeometry(const ShowOptions& options) {
         return exitBadUse;
     }
     TracedModel traced;
-    if (!loads(options.geometry, cell, traced)) return exitNoModel;
+    if (const ExitStatus status = load(options.geometry, cell, traced); status != exitDone) return status;
     printCell(traced, cell);
     return exitDone;
 }
@@ -116,19 +139,14 @@ ExitStatus diffGeometries(const std::string& before, const std::string& after, c
     if (!picture.empty() && !(mayBePicture(before, picture) && mayBePicture(after, picture))) return exitBadUse;
     TracedModel a;
     TracedModel b;
-    if (!loads(before, 0, a) || !loads(after, 0, b)) return exitNoModel;
+    if (const ExitStatus status = load(before, 0, a); status != exitDone) return status;
+    if (const ExitStatus status = load(after, 0, b); status != exitDone) return status;
     if (!hasSameShape(a.sim, b.sim)) {
         std::printf("shape: %s -> %s\n", describedGrid(a.sim).c_str(), describedGrid(b.sim).c_str());
         return exitEndedByModel;
     }
     const std::vector<Difference> found = differences(a.sim, b.sim);
-    std::size_t printed = 0;
-    for (const Difference& each : found) {
-        if (++printed > mostDifferences) continue;
-        const std::string where = each.cell > 0 ? spreadsheetAddress(placeOf(b.sim, each.cell)) + ": " : "";
-        std::printf("%s%s %s -> %s\n", where.c_str(), each.name.c_str(), each.before.c_str(), each.after.c_str());
-    }
-    if (printed > mostDifferences) std::printf("... and %zu more values\n", printed - mostDifferences);
+    printDifferences(b.sim, found);
     if (!picture.empty()) {
         PictureMarks marks{{}, "differs"};
         for (const Difference& each : found)
