@@ -42,6 +42,8 @@ constexpr StoredState finalStates[] = {
     {"channel", 12721413473173760973u},      {"duct_obstacle", 10222256771564305970u},
     {"facing_walls", 15879352510819298393u}, {"heated_cavity", 8587894640301585683u},
     {"reactor", 11587320877101789701u},      {"shock_tube", 9264834983483690054u},
+    {"tee", 17550343561585487740u},          {"room", 9599692054550887819u},
+    {"pipe", 18054161268338384768u},         {"convection", 1776485910933143916u},
 };
 
 class FinalState : public testing::TestWithParam<StoredState> {};
