@@ -99,6 +99,11 @@ std::vector<std::string> summaryLines(const ModelSummary& summary, bool suggests
                                           + number(std::ceil(summary.bytes / 1e6)) + " MB",
                                       "  " + stepText(summary)};
     if (!suggests) return lines;
+    std::vector<std::string> limits;
+    for (const NamedLimit& limit : summary.limits)
+        limits.push_back(std::string(limitText(limit.kind)) + " " + rounded(limit.step) + " s ("
+                         + spreadsheetAddress(limit.place) + ")");
+    if (!limits.empty()) lines.push_back("  largest stable DT by " + joined(limits, ", by "));
     if (suggestedStep(summary.stable) > 0) lines.push_back("  write DT " + number(suggestedStep(summary.stable)));
     const std::string scaled = scaledGasText(summary);
     if (!scaled.empty()) lines.push_back(scaled);

@@ -3,6 +3,7 @@
 #include "check/model_rules.h"
 #include "check/table_rules.h"
 #include "core/processor_engine.h"
+#include "exchange/view_factors.h"
 #include "geometry/grid_file.h"
 #include "geometry/model_build.h"
 #include "geometry/text_encoding.h"
@@ -55,6 +56,16 @@ void checkNeighbours(const std::string& path, Findings& findings) {
                               + "_*: a name counts up to its first point only"});
 }
 
+/// The view factors of the geometry, if it has any: a run with --radiation takes them.
+void takeViewFactors(SimState& sim, Interface& ui, Findings& findings) {
+    if (!stampOf(joinPath(sim.inputDir, sim.baseName + "_rad")).exists) return;
+    std::string message;
+    const auto show = std::exchange(ui.showMessage, [&](const Report& report) { message = report.text; });
+    importViewFactors(sim, ui);
+    ui.showMessage = show;
+    if (!sim.radActive) findings.add({Severity::warning, "view-factors", {}, "", plainLine(message)});
+}
+
 void countKinds(ModelSummary& summary, const std::vector<unsigned>& kinds) {
     const std::pair<unsigned, std::int32_t ModelSummary::*> counted[] = {
         {kindWall, &ModelSummary::walls},         {kindInlet, &ModelSummary::inlets},
@@ -83,6 +94,11 @@ ModelSummary summaryOf(const SimState& sim, const std::vector<unsigned>& kinds, 
     summary.dt = sim.dt;
     summary.steps = sim.stepLimit;
     summary.stable = stableStep(sim, speed);
+    const StableStep& stable = summary.stable;
+    for (const auto& [kind, limit] :
+         {std::pair{StepLimit::sound, stable.sound}, std::pair{StepLimit::conduction, stable.conduction},
+          std::pair{StepLimit::friction, stable.friction}, std::pair{StepLimit::reaction, stable.reaction}})
+        if (limit.cell != 0) summary.limits.push_back({kind, limit.step, placeOf(sim, limit.cell)});
     return summary;
 }
 
@@ -132,7 +148,10 @@ Checkup checkGeometry(const std::string& path, SimState& sim) {
     ui.NV_in.File1.selected = nameOf(path);
     loadGeometry(sim, ui);
     if (sim.nCells > 0 && ofLoad.list.empty()) {
+        Findings ofFactors;
+        takeViewFactors(sim, ui, ofFactors);
         checkup = checkLoaded(sim, ui);
+        for (Finding& finding : ofFactors.list) checkup.findings.add(std::move(finding));
     } else if (readBeginning(path, frameBytes, bytes)) {
         checkFrame(CellTextTable(toUtf8(std::move(bytes))), checkup.findings);
         if (ofLoad.list.empty())

@@ -4,12 +4,20 @@
 #include "check/finding.h"
 #include "check/stable_step.h"
 #include "core/sim_state.h"
+#include "geometry/table_place.h"
 #include "platform/run_events.h"
 
 #include <string>
 #include <vector>
 
 namespace norvane {
+
+/// A limit of the time step, and the cell that sets it.
+struct NamedLimit {
+    StepLimit kind;
+    double step; ///< s
+    TablePlace place;
+};
 
 /// What a model is, in a few numbers. Of a geometry that cannot be loaded, `cells` is 0.
 struct ModelSummary {
@@ -32,6 +40,7 @@ struct ModelSummary {
     double dt = 0;          ///< s
     std::int32_t steps = 0; ///< NT
     StableStep stable;
+    std::vector<NamedLimit> limits; ///< those that there are
 };
 
 struct Checkup {

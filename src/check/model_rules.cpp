@@ -239,16 +239,6 @@ void checkOutputs(const ModelCheck& check) {
               check.given.scale ? Severity::warning : Severity::note);
 }
 
-const char* limitText(StepLimit kind) {
-    switch (kind) {
-    case StepLimit::sound: return "sound and flow";
-    case StepLimit::conduction: return "heat conduction";
-    case StepLimit::friction: return "viscosity and drag";
-    case StepLimit::reaction: return "the exchange of species 0 and 1";
-    default: return "nothing";
-    }
-}
-
 void checkStep(const ModelCheck& check, const StableStep& stable) {
     const SimState& sim = check.sim;
     if (sim.stepLimit < 0) check.add("endless", 0, "NT is below 0: a run goes on until it is stopped", Severity::note);

@@ -187,6 +187,16 @@ bool isUnstableAgainst(const SimState& sim, std::int32_t cell, int dim) {
 
 } // namespace
 
+const char* limitText(StepLimit kind) {
+    switch (kind) {
+    case StepLimit::sound: return "sound and flow";
+    case StepLimit::conduction: return "heat conduction and radiation";
+    case StepLimit::friction: return "viscosity and drag";
+    case StepLimit::reaction: return "the exchange of species 0 and 1";
+    default: return "nothing";
+    }
+}
+
 LimitingCell StableStep::smallest() const {
     LimitingCell least;
     for (const LimitingCell& each : {sound, conduction, friction, reaction})

@@ -30,6 +30,9 @@ struct StableStep {
     StepLimit kind() const;
 };
 
+/// "sound and flow", "viscosity and drag" ...
+const char* limitText(StepLimit kind);
+
 /// Stability of the classical fourth-order Runge-Kutta method on the staggered grid: per cell, with the sums
 /// k, v, r, b, a over its faces, DT <= 2.785/(2a + k), 2.785/(2a + v + r), 2.62/(a + b). 0.997 to 1.74 times these were
 /// found by bisection on 110 random models.

@@ -170,6 +170,8 @@ TEST(check, findsFaultsOfTheFrame) {
     test.write("v1.2.gmt", "L\n\nL");
     test.write("v1.3.gmt", "L\n\nL");
     EXPECT_EQ(checkGeometry("v1.2.gmt").findings.countOfRule.count("same-base-name"), 1u);
+    test.write("v1_rad", "1 1 2 5");
+    EXPECT_EQ(checkGeometry("v1.2.gmt").findings.countOfRule.count("view-factors"), 1u);
     EXPECT_FALSE(test.exists("checkstop")) << "a check writes no file";
 }
 

@@ -38,14 +38,18 @@ std::string jsonSummary(const ModelSummary& summary) {
     std::vector<std::string> lengths;
     for (const int count : summary.shape) shape.push_back(std::to_string(count));
     for (const double length : summary.lengths) lengths.push_back(jsonNumber(length));
+    std::vector<std::string> limits;
+    for (const NamedLimit& limit : summary.limits)
+        limits.push_back("\"" + std::string(limitName(limit.kind)) + "\": {\"step\": " + jsonNumber(limit.step)
+                         + ", \"address\": " + jsonString(spreadsheetAddress(limit.place)) + "}");
     return "{\"cells\": " + std::to_string(summary.cells) + ", \"shape\": [" + joined(shape, ", ") + "], \"lengths\": ["
            + joined(lengths, ", ") + "], \"species\": " + std::to_string(summary.species)
            + ", \"walls\": " + std::to_string(summary.walls) + ", \"inlets\": " + std::to_string(summary.inlets)
            + ", \"outlets\": " + std::to_string(summary.outlets) + ", \"soundSpeed\": " + jsonNumber(summary.soundSpeed)
            + ", \"gasConstant\": " + jsonNumber(summary.gasFactor) + ", \"bytes\": " + jsonNumber(summary.bytes)
            + ", \"dt\": " + jsonNumber(summary.dt)
-           + ", \"largestStableStep\": " + jsonNumber(summary.stable.smallest().step) + ", \"stepLimit\": \""
-           + limitName(summary.stable.kind()) + "\"}";
+           + ", \"largestStableStep\": " + jsonNumber(summary.stable.smallest().step) + ", \"limits\": {"
+           + joined(limits, ", ") + "}, \"stepLimit\": \"" + limitName(summary.stable.kind()) + "\"}";
 }
 
 std::string jsonOf(const std::string& geometry, const Checkup& checkup) {
