@@ -140,9 +140,11 @@ std::vector<std::string> checkLines(const std::string& geometry, const Checkup& 
     std::vector<std::string> lines;
     for (const Finding& finding : checkup.findings.list) lines.push_back(findingLine(geometry, finding));
     for (const auto& [rule, count] : checkup.findings.countOfRule)
-        if (count > Findings::keptOfRule)
-            lines.push_back(geometry + ": ... and " + std::to_string(count - Findings::keptOfRule)
-                            + " more of the kind \"" + rule + "\"");
+        if (count > Findings::keptOfRule) {
+            std::string line = geometry + ": ... and " + std::to_string(count - Findings::keptOfRule);
+            line += " more of the kind \"" + rule + "\"";
+            lines.push_back(std::move(line));
+        }
     lines.push_back(geometry + ": " + counted(checkup.findings.errors, "error") + ", "
                     + counted(checkup.findings.warnings, "warning"));
     if (checkup.summary.cells > 0)

@@ -46,14 +46,11 @@ Finding findingOf(const Report& report) {
 void checkNeighbours(const std::string& path, Findings& findings) {
     const std::string name = nameOf(path);
     const std::string base = name.substr(0, name.find('.'));
+    const std::string effect =
+        " in this folder writes the same files, " + base + "_*: a name counts up to its first point only";
     for (const std::string& other : listFiles(folderOf(path), ".gmt"))
         if (other != name && other.substr(0, other.find('.')) == base)
-            findings.add({Severity::warning,
-                          "same-base-name",
-                          {},
-                          "",
-                          other + " in this folder writes the same files, " + base
-                              + "_*: a name counts up to its first point only"});
+            findings.add({Severity::warning, "same-base-name", {}, "", std::string(other).append(effect)});
 }
 
 /// The view factors of the geometry, if it has any: a run with --radiation takes them.

@@ -122,44 +122,19 @@ void checkItemWithoutKey(TextCheck& check) {
 
 /// A unit that is written after a number and would change its value, if units were read.
 bool isOtherUnit(std::string_view word) {
-    static constexpr std::string_view units[] = {"C",
-                                                 "\xC2\xB0"
-                                                 "C",
-                                                 "F",
-                                                 "\xC2\xB0"
-                                                 "F",
-                                                 "BAR",
-                                                 "MBAR",
-                                                 "HPA",
-                                                 "KPA",
-                                                 "MPA",
-                                                 "CM",
-                                                 "MM",
-                                                 "KM",
-                                                 "MS",
-                                                 "H",
-                                                 "MIN",
-                                                 "%",
-                                                 "G",
-                                                 "KJ",
-                                                 "KW",
-                                                 "MW",
-                                                 "ATM",
-                                                 "PSI",
-                                                 "TORR",
-                                                 "US",
-                                                 "UPAS",
-                                                 "MPAS",
-                                                 "INCH",
-                                                 "IN",
-                                                 "FT"};
-    return std::find(std::begin(units), std::end(units), word) != std::end(units);
+    constexpr std::string_view degree = "\xC2\xB0";
+    constexpr std::string_view units =
+        " C F BAR MBAR HPA KPA MPA ATM PSI TORR CM MM KM INCH IN FT MS US H MIN % G KJ KW MW "
+        "UPAS MPAS ";
+    if (word.substr(0, degree.size()) == degree) word.remove_prefix(degree.size());
+    const std::string asWord = " " + std::string(word) + " ";
+    return word.find(' ') == std::string_view::npos && units.find(asWord) != std::string_view::npos;
 }
 
 /// Looks at what follows the number of a key, up to the next key of the item. False: it may not be the number meant.
 bool endsCleanly(const TextCheck& check, const KeyText& key, std::size_t next) {
     const std::string_view rest = std::string_view(check.item).substr(key.valueEnds, next - key.valueEnds);
-    const std::string_view word = bareText(rest.substr(0, rest.find_first_of(" ", rest.find_first_not_of(' '))));
+    const std::string_view word = bareText(rest.substr(0, rest.find(' ', rest.find_first_not_of(' '))));
     if (word.empty() || word == readable(key.key->unit)) return true;
     const std::string value = withUnit(key.value, key.key->unit);
     if (isOtherUnit(word)) {

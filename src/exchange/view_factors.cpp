@@ -117,7 +117,7 @@ void takeTable(SimState& sim, const PairTable& table) {
 FileResult readNumbers(const std::string& path, std::string& bytes) {
     constexpr ItemForm numbers{" \t,\r\n", std::size_t{1} << 12};
     bool tooLong = false;
-    const FileResult read = readItems(path, numbers, bytes, tooLong);
+    FileResult read = readItems(path, numbers, bytes, tooLong);
     if (tooLong) bytes += '#'; // what is there of the number must not be taken for one
     return read;
 }

@@ -123,7 +123,7 @@ FileResult readItems(const std::string& path, const ItemForm& form, std::string&
         length = last == std::string_view::npos ? length + piece.size() : piece.size() - 1 - last;
         return length <= form.longest;
     };
-    const FileResult read = readWhile(path, content, goesOn);
+    FileResult read = readWhile(path, content, goesOn);
     tooLong = length > form.longest;
     return read;
 }
