@@ -131,6 +131,8 @@ TEST(check, findsMistakesInDefaultsAndModel) {
         {Tee().with(&Tee::defaults, "DT 1E-5\tRH 0"), "not-positive B1"},
         {Tee().with(&Tee::defaults, "DT 1E-3\tRH 1.18"), "step-too-large C5"},
         {Tee().with(&Tee::defaults, "DT 1E-9\tRH 1.18"), "step-too-small C5"},
+        {Tee().with(&Tee::defaults, "DT 1E-5\tDD 0;1"), "step-too-small C5"},  // in cm
+        {Tee().with(&Tee::defaults, "NT 4000\tRH 1.18"), "step-too-large C5"}, // no DT
         {Tee().with(&Tee::defaults, "DT 1E-5\tSI 300:SA 600"), "one-colour "},
         {Tee().with(&Tee::defaults, "DT 1E-5\tPP 1.013"), "faster-than-sound A4"},
         {Tee().with(&Tee::defaults, "DT 1E-5:LT 5\tRH 1.18"), "log-in-wall E14"},
