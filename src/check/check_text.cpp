@@ -19,12 +19,6 @@ std::string rounded(double value) {
     return number(std::round(value / unit) * unit);
 }
 
-std::string joined(const std::vector<std::string>& parts, const char* separator) {
-    std::string text;
-    for (const std::string& part : parts) text += (text.empty() ? "" : separator) + part;
-    return text;
-}
-
 std::string counted(std::int64_t count, const char* what) {
     return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
@@ -111,6 +105,12 @@ std::vector<std::string> summaryLines(const ModelSummary& summary, bool suggests
 }
 
 } // namespace
+
+std::string joined(const std::vector<std::string>& parts, const char* separator) {
+    std::string text;
+    for (const std::string& part : parts) text += (text.empty() ? "" : separator) + part;
+    return text;
+}
 
 const char* severityName(Severity severity) {
     switch (severity) {

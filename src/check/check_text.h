@@ -11,6 +11,9 @@ namespace norvane {
 /// "note", "warning", "error".
 const char* severityName(Severity severity);
 
+/// The parts with a separator between them.
+std::string joined(const std::vector<std::string>& parts, const char* separator);
+
 /// "none", "sound" ...
 const char* limitName(StepLimit kind);
 

@@ -1,7 +1,6 @@
 #include "check/item_rules.h"
 
 #include "check/text_check.h"
-#include "core/cell_fields.h"
 #include "core/number_text.h"
 #include "geometry/cell_keywords.h"
 
@@ -37,24 +36,10 @@ std::string written(const Key& key, std::string_view value) {
 
 // --- where a key counts --------------------------------------------------------------------------------------------
 
-/// Compares the members that a key and a field of cells name.
-struct SameMember {
-    template <class A, class B>
-    bool operator()(A, B) const {
-        return false;
-    }
-
-    template <class A>
-    bool operator()(A a, A b) const {
-        return a == b;
-    }
-};
-
 /// Whether a value in the rows with defaults comes to the cells; true for what is no field of cells.
 bool countsAsDefault(const Key& key) {
-    for (const CellField& field : cellFields())
-        if (std::visit(SameMember(), key.target, field.member)) return field.start == FieldStart::fromTemplate;
-    return true;
+    const CellField* const field = fieldOf(key);
+    return field == nullptr || field->start == FieldStart::fromTemplate;
 }
 
 bool countsInCells(const Key& key) { return key.letters != "RH"; }
@@ -107,7 +92,8 @@ void checkItemWithoutKey(TextCheck& check) {
         addNotHere(check, *elsewhere);
         return;
     }
-    if (head == "WALL" || head == "SOLID" || head == "X" || head == "INLET")
+    const bool isCell = check.where.scope == inCells;
+    if (isCell && (head == "WALL" || head == "SOLID" || head == "X" || head == "INLET"))
         check.add("remark", "it is a remark, and the cell is what its keys say. A wall is WV 0;2, an inlet "
                             "WV 1;-1:VV 1;...:WP 1:WT 1");
     if (!hasDigit(head)) return; // a remark

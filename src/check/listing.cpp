@@ -1,6 +1,5 @@
 #include "check/listing.h"
 
-#include "core/cell_fields.h"
 #include "core/number_text.h"
 #include "geometry/grid_file.h"
 #include "geometry/model_build.h"
@@ -66,19 +65,6 @@ std::string originText(const SimState& sim, const Assignment& made) {
     }
 }
 
-bool comesFromTemplate(const Key& key) {
-    for (const CellField& field : cellFields()) {
-        const auto same = [](auto a, auto b) {
-            if constexpr (std::is_same_v<decltype(a), decltype(b)>)
-                return a == b;
-            else
-                return false;
-        };
-        if (std::visit(same, key.target, field.member)) return field.start == FieldStart::fromTemplate;
-    }
-    return false;
-}
-
 std::string originOf(const TracedModel& model, const Key& key, std::int32_t cell, int component) {
     if (cell > 0 && key.letters == "RH") return "follows from PP and TT";
     if ((key.scope & inColumn1) != 0) return valueOf(model.sim, key, 0, 0) == 0 ? "default" : "column 1";
@@ -86,7 +72,7 @@ std::string originOf(const TracedModel& model, const Key& key, std::int32_t cell
     if (own != model.origins.end()) return originText(model.sim, own->second);
     if (cell > 0 && key.letters == "CC" && component == 0) return "1 less the other species";
     const auto byDefault = model.origins.find({0, &key, component});
-    const bool counts = cell == 0 || comesFromTemplate(key);
+    const bool counts = cell == 0 || (fieldOf(key) != nullptr && fieldOf(key)->start == FieldStart::fromTemplate);
     if (counts && byDefault != model.origins.end()) return originText(model.sim, byDefault->second);
     return "default";
 }

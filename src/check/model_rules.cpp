@@ -48,16 +48,13 @@ bool hasVelocity(const SimState& sim, std::int32_t cell) {
 /// A face whose velocity is imposed, and not 0.
 void checkImposedFace(const ModelCheck& check, std::int32_t cell, int dim) {
     const SimState& sim = check.sim;
-    const std::int32_t stride = sim.cellStride[dim];
-    const bool isLast = (cell - 1) % sim.cellStride[dim + 1] >= sim.cellStride[dim + 1] - stride;
-    if (isLast) {
+    const bool isLast = (cell - 1) % sim.cellStride[dim + 1] >= sim.cellStride[dim + 1] - sim.cellStride[dim];
+    if (isLast)
         check.add(
             "face-without-neighbour", cell,
             "the velocity is imposed on the upper face of the last cell along dimension " + std::to_string(dim)
                 + ", beyond which there is no gas: nothing flows. An inlet at this end is drawn in the cell before "
                   "it, with a negative VV");
-        return;
-    }
 }
 
 void checkVelocities(const ModelCheck& check, std::int32_t cell) {
@@ -69,7 +66,7 @@ void checkVelocities(const ModelCheck& check, std::int32_t cell) {
         if (hasGiven && !isImposed(code) && sim.velocityInit(cell, dim) != 0 && looksLikeInlet)
             check.add(
                 "velocity-not-imposed", cell,
-                check.isGiven(check.given.codes, cell, dim)
+                isClosed(code) && check.isGiven(check.given.codes, cell, dim)
                     ? "the face that the velocity is meant for is closed, by this cell or a WV 0;2 of its neighbour"
                     : along("VV", dim, number(sim.velocityInit(cell, dim)).c_str())
                           + " is only the speed at the start. Is it an inlet? Then it takes " + along("WV", dim, "-1")
@@ -111,8 +108,7 @@ void checkHeldCell(const ModelCheck& check, std::int32_t cell) {
     if ((kind & kindInlet) != 0 && sim.wallTemperature[cell] == wallFree)
         check.add("inlet-cools", cell,
                   "the flow takes heat out of this inlet, and nothing replaces it: its gas cools down. An inlet takes "
-                  "WT 1 or "
-                  "WT -1, too");
+                  "WT 1 or WT -1, too");
     if ((kind & kindReacting) != 0 && sim.paramGP[15] == 0)
         check.add("no-reaction", cell, "species react here (WC 1), and GP 11; to GP 15; are not given");
     if (exchangesSpecies(sim.wallConcentration[cell]) && sim.nsMax < 1)

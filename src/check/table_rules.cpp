@@ -128,7 +128,8 @@ bool hasMarksInColumn2(const CellTextTable& table) {
 void checkMarks(const CellTextTable& table, const Frame& frame, Findings& findings) {
     for (std::int64_t row = 1; row <= table.rowCount(); ++row) {
         const std::string_view text = firstColumn(table, row);
-        if (text.substr(0, 2) == "\"L" || text.substr(0, 2) == "\"l")
+        const bool isQuoted = text.substr(0, 2) == "\"L" || text.substr(0, 2) == "\"l";
+        if (isQuoted && isBareMark(firstItem(text.substr(1)))) // not "LA 5", which the quotes keep from being a mark
             findings.add({Severity::error,
                           "quoted",
                           {row, 1},

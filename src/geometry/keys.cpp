@@ -66,6 +66,19 @@ constexpr Key table[] = {
      "height across the grid"},
 };
 
+/// Compares the members that a key and a field of cells name.
+struct SameMember {
+    template <class A, class B>
+    bool operator()(A, B) const {
+        return false;
+    }
+
+    template <class A>
+    bool operator()(A a, A b) const {
+        return a == b;
+    }
+};
+
 } // namespace
 
 std::span<const Key> allKeys() { return table; }
@@ -75,6 +88,12 @@ const Key& keyOf(std::string_view letters) {
         std::find_if(std::begin(table), std::end(table), [&](const Key& key) { return key.letters == letters; });
     if (found == std::end(table)) throw std::invalid_argument("there is no key of these letters");
     return *found;
+}
+
+const CellField* fieldOf(const Key& key) {
+    for (const CellField& field : cellFields())
+        if (std::visit(SameMember(), key.target, field.member)) return &field;
+    return nullptr;
 }
 
 } // namespace norvane

@@ -2,6 +2,7 @@
 // All keys of the table language, each in one place: its letters, its form, where it counts, what it means and the
 // field that it writes. Readers, defaults and documents are made from this table or tested against it.
 
+#include "core/cell_fields.h"
 #include "core/sim_state.h"
 
 #include <cstdint>
@@ -76,5 +77,8 @@ std::span<const Key> allKeys();
 
 /// The key of these letters, which there must be.
 const Key& keyOf(std::string_view letters);
+
+/// The field of cells that a key writes; null: none.
+const CellField* fieldOf(const Key& key);
 
 } // namespace norvane

@@ -163,6 +163,7 @@ TEST(check, findsFaultsOfTheFrame) {
     EXPECT_THAT(rulesOf("NT 5;DT 1;UT 5\nL;;\n;TT 310;\nL;;"), Contains("separator "));
     EXPECT_THAT(rulesOf("L\t\n\t\nL\t\n\t\n\t\nL\t"), Contains("layer-mark row 5"));
     EXPECT_THAT(rulesOf("L\t\n\t\nL\t\n\t\n\t\nL\t"), Contains("unequal-layers row 1"));
+    EXPECT_THAT(rulesOf(Tee().with(&Tee::defaults, "\"LA 5\"\tX\tDT 1E-5:NT 9:SI 0:SA 50").text()), IsEmpty());
     EXPECT_THAT(rulesOf("\tL\n\t\n\tL"), Contains("shifted "));
     EXPECT_THAT(rulesOf("L\t\n\t"), Contains("one-l-row row 1"));
     EXPECT_THAT(rulesOf("L\t\n\t\nL\t\n\n"), Contains("lines-after-end row 4"));

@@ -263,7 +263,8 @@ TEST(commandLine, changesTheDrawingInMemoryAndTheNamesOfItsOutputs) {
     EXPECT_FALSE(test.exists("m_out") || test.exists("checkstop"));
     EXPECT_EQ(test.read("m.gmt"), table);
     EXPECT_THAT(test.read("s.json"), HasSubstr("\"end\": \"stopStep\",\n  \"step\": 5,"));
-    for (const char* option : {"--summary m.gmt", "--summary x.txt", "--stop-file x.txt", "--stop-file m.gmt"}) {
+    for (const char* option :
+         {"--summary m.gmt", "--summary x.txt", "--stop-file x.txt", "--stop-file m.gmt", "--summary m_log"}) {
         test.write("x.txt", "notes");
         EXPECT_EQ(runProgram("run m.gmt " + std::string(option)).status, 2) << option;
         EXPECT_EQ(test.read("m.gmt") + test.read("x.txt"), table + "notes") << option;

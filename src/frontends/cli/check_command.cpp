@@ -19,12 +19,6 @@ void printText(const std::string& geometry, const Checkup& checkup, const CheckO
         std::printf("%s\n", printableName(line).c_str());
 }
 
-std::string joined(const std::vector<std::string>& parts, const char* separator) {
-    std::string text;
-    for (const std::string& part : parts) text += (text.empty() ? "" : separator) + part;
-    return text;
-}
-
 std::string jsonFinding(const Finding& finding) {
     return std::string("{\"severity\": \"") + severityName(finding.severity) + "\", \"rule\": \"" + finding.rule
            + "\", \"address\": " + jsonString(spreadsheetAddress(finding.place))
@@ -47,7 +41,7 @@ std::string jsonSummary(const ModelSummary& summary) {
            + ", \"walls\": " + std::to_string(summary.walls) + ", \"inlets\": " + std::to_string(summary.inlets)
            + ", \"outlets\": " + std::to_string(summary.outlets) + ", \"soundSpeed\": " + jsonNumber(summary.soundSpeed)
            + ", \"gasConstant\": " + jsonNumber(summary.gasFactor) + ", \"bytes\": " + jsonNumber(summary.bytes)
-           + ", \"dt\": " + jsonNumber(summary.dt)
+           + ", \"dt\": " + jsonNumber(summary.dt) + ", \"secondsPerStep\": " + jsonNumber(summary.stepSeconds)
            + ", \"largestStableStep\": " + jsonNumber(summary.stable.smallest().step) + ", \"limits\": {"
            + joined(limits, ", ") + "}, \"stepLimit\": \"" + limitName(summary.stable.kind()) + "\"}";
 }

@@ -21,6 +21,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <map>
+#include <new>
 
 #ifdef _WIN32
 #    include <io.h>
@@ -274,7 +275,14 @@ int finish(ConsoleRun& run) {
 bool isWorthARun(ConsoleRun& run) {
     Program& program = run.console.program;
     RunEvents silent; // the run builds the model again, and reports what there is to report
-    run.checkup = checkLoaded(program.sim, silent);
+    try {
+        run.checkup = checkLoaded(program.sim, silent);
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "There is not enough memory to check the drawing; it is run unchecked.\n");
+        program.sim.runMode = modeGeometryRead;
+        program.sim.onlyLooks = false;
+        return true;
+    }
     const Findings& findings = run.checkup.findings;
     if (!run.options.quiet || findings.errors > 0 || run.options.strict)
         for (const std::string& line : findingLines(run.options.geometry, findings))

@@ -75,9 +75,7 @@ std::vector<std::string> resultLines(const RunResult& result) {
         lines.push_back("  DT: at most " + number(result.watch.largestFraction) + " of the largest stable step ("
                         + addressOf(result.sim, result.watch.limitingCell) + ")");
     lines.push_back("  Rate: " + number(rateOf(result) / 1e6) + " million cells x steps/s");
-    std::string files;
-    for (const std::string& file : result.files) files += (files.empty() ? "" : ", ") + file;
-    if (!files.empty()) lines.push_back("  Files: " + files);
+    if (!result.files.empty()) lines.push_back("  Files: " + joined(result.files, ", "));
     return lines;
 }
 

@@ -69,8 +69,14 @@ bool takeNames(const RunOptions& options, SimState& sim) {
         }
         sim.inputDir = absolutePath(options.folder);
     }
-    for (const char* const ending : {"_out", "_log", "_state"})
-        if (wouldOverwrite(options.geometry, joinPath(sim.inputDir, sim.baseName + ending))) return false;
+    for (const char* const ending : {"_out", "_log", "_state"}) {
+        const std::string output = joinPath(sim.inputDir, sim.baseName + ending);
+        if (wouldOverwrite(options.geometry, output)) return false;
+        if (options.summary.empty() || absolutePath(options.summary) != absolutePath(output)) continue;
+        std::fprintf(stderr, "--summary: %s is an output of the run; name another file\n",
+                     printableName(options.summary).c_str());
+        return false;
+    }
     return true;
 }
 
