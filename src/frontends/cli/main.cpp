@@ -3,7 +3,7 @@
 #include "frontends/cli/check_command.h"
 #include "frontends/cli/command_options.h"
 #include "frontends/cli/exit_status.h"
-#include "frontends/cli/nearest.h"
+#include "core/nearest.h"
 #include "frontends/cli/run_command.h"
 #include "frontends/cli/show_command.h"
 #include "frontends/cli/spectrum_command.h"
