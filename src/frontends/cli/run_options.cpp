@@ -2,6 +2,7 @@
 
 #include "core/sim_state.h"
 #include "frontends/cli/command_options.h"
+#include "frontends/cli/frame_options.h"
 #include "frontends/cli/run_command.h"
 
 #include <memory>
@@ -23,7 +24,7 @@ constexpr const char* runStatusHelp =
 constexpr const char* runHelp =
     "Load a geometry and run it to its end.\n\n"
     "The results lie beside the geometry m.gmt: m_out, the table of the latest plot, m_log, a line for each logged\n"
-    "step (key LT), m_state with --save or key ST, pictures with --snapshots or key FT.";
+    "step (key LT), m_state with --save or key ST, pictures with --snapshots or key FT, m_frames.nc with --frames.";
 
 } // namespace
 
@@ -70,6 +71,7 @@ Command addRun(CLI::App& app) {
     run->add_option("--region", options.regions,
                     "a name for a range of cells, such as radiator=B2:B18; may be repeated")
         ->type_name("NAME=RANGE");
+    options.extras.push_back(addFrameOptions(run));
     run->footer(runStatusHelp);
     return {run, [kept] { return runGeometry(*kept); }};
 }
