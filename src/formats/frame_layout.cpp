@@ -152,6 +152,21 @@ std::size_t FrameLayout::frameBytes() const {
     return components * cells() * sizeof(float);
 }
 
+std::uint64_t FrameLayout::roomOfFrame() const {
+    constexpr std::uint64_t indexBytes = 1 << 14; // of the tree that finds the chunks of a field
+    std::uint64_t cellsOfChunks = 1;
+    for (std::size_t k = 0; k < shape.size(); ++k) cellsOfChunks *= (shape[k] + chunk[k] - 1) / chunk[k] * chunk[k];
+    std::uint64_t bytes = 1 << 16;
+    for (const FrameField& field : fields) bytes += cellsOfChunks * field.components * sizeof(float) + indexBytes;
+    return bytes;
+}
+
+std::uint64_t FrameLayout::roomOfGrid() const {
+    constexpr std::uint64_t boxBytes = 128; // corners of a cell and their numbers
+    const std::uint64_t perCell = 32 + 24 * shape.size() + (isRectilinear ? 0 : boxBytes);
+    return cells() * perCell + (1 << 18);
+}
+
 bool FrameLayout::hasMesh() const {
     constexpr std::size_t mostCorners = std::numeric_limits<std::int32_t>::max();
     return shape.size() <= spaceDimensions && (isRectilinear || cells() <= mostCorners >> shape.size());

@@ -36,6 +36,9 @@ void flushFolder(const std::string& folder) {
 #endif
 }
 
+/// Whether the file system has no such reservation.
+bool isUnknownCall(int error) { return error == EOPNOTSUPP || error == ENOSYS || error == EINVAL; }
+
 } // namespace
 
 FileResult exchangeFile(const std::string& fresh, const std::string& path, const std::string& older, bool& kept) {
@@ -64,6 +67,25 @@ FileResult makeFresh(const std::string& path) {
     errno = 0;
     const File file(std::fopen(path.c_str(), "wbx"));
     return file ? FileResult{} : failure(errno);
+}
+
+FileResult reserveRoom(const std::string& path, std::uint64_t bytes) {
+    FileResult result;
+    const File file = openFile(path, Access::update, result);
+    if (!file) return result;
+    const std::int64_t length = lengthOf(file.get());
+    const auto more = static_cast<std::int64_t>(bytes);
+    if (length < 0) return failure(errno);
+    if (more > fileSizeLimit() - length) return failure(EFBIG);
+#ifdef __linux__
+    int error = 0;
+    do error = ::fallocate(::fileno(file.get()), FALLOC_FL_KEEP_SIZE, length, more) == 0 ? 0 : errno;
+    while (error == EINTR);
+    if (!isUnknownCall(error)) return error == 0 ? FileResult{} : failure(error);
+#endif
+    std::error_code unknown;
+    const auto space = std::filesystem::space(folderOf(path), unknown);
+    return !unknown && space.available < bytes ? failure(ENOSPC) : FileResult{};
 }
 
 std::string exchangeTarget(const std::string& path, FileResult& result) { return outputTarget(path, result); }
