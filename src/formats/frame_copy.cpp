@@ -118,7 +118,7 @@ std::string copyFrames(const std::string& from,
                        const FrameTimes& times) {
     const std::size_t end = times.steps.size();
     if (first >= end) return {};
-    const FileResult room = reserveRoom(to, std::min(layout.roomOfFrame() * (end - first), stampOf(from).size));
+    const FileResult room = reserveRoom(to, std::min(layout.roomOfFrames(end - first), stampOf(from).size));
     if (!room) return room.reason;
     if (!copyFields(from, to, layout, first, end)) return "its frames can't be copied";
     NetcdfFile file = NetcdfFile::openToAppend(to);

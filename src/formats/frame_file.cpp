@@ -120,7 +120,7 @@ createFrameFile(const std::string& path, const SimState& sim, const FrameLayout&
 
 std::string
 addFrames(const std::string& path, const FrameLayout& layout, std::size_t place, std::span<const Frame> frames) {
-    const FileResult room = reserveRoom(path, layout.roomOfFrame() * frames.size());
+    const FileResult room = reserveRoom(path, layout.roomOfFrames(frames.size()));
     if (!room) return room.reason;
     NetcdfFile file = NetcdfFile::openToAppend(path);
     if (!file.ok()) return file.fault();

@@ -152,12 +152,18 @@ std::size_t FrameLayout::frameBytes() const {
     return components * cells() * sizeof(float);
 }
 
-std::uint64_t FrameLayout::roomOfFrame() const {
-    constexpr std::uint64_t indexBytes = 1 << 14; // of the tree that finds the chunks of a field
-    std::uint64_t cellsOfChunks = 1;
-    for (std::size_t k = 0; k < shape.size(); ++k) cellsOfChunks *= (shape[k] + chunk[k] - 1) / chunk[k] * chunk[k];
+std::uint64_t FrameLayout::roomOfFrames(std::size_t count) const {
+    constexpr std::uint64_t treeBytes = 1 << 14; // of new nodes of the tree that finds the chunks of a field
+    constexpr std::uint64_t entryBytes = 128;    // of a chunk in there
+    std::uint64_t chunks = 1;
+    std::uint64_t cellsOfChunk = 1;
+    for (std::size_t k = 0; k < shape.size(); ++k) {
+        chunks *= (shape[k] + chunk[k] - 1) / chunk[k];
+        cellsOfChunk *= chunk[k];
+    }
     std::uint64_t bytes = 1 << 16;
-    for (const FrameField& field : fields) bytes += cellsOfChunks * field.components * sizeof(float) + indexBytes;
+    for (const FrameField& field : fields)
+        bytes += treeBytes + count * chunks * (cellsOfChunk * field.components * sizeof(float) + entryBytes);
     return bytes;
 }
 

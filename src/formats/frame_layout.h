@@ -37,8 +37,8 @@ struct FrameLayout {
     std::size_t cells() const;
     /// Of all fields of a frame, as they are in memory.
     std::size_t frameBytes() const;
-    /// What a frame takes at most in a file: what compression makes larger is kept as it is.
-    std::uint64_t roomOfFrame() const;
+    /// What frames take at most in a file: what compression makes larger is kept as it is.
+    std::uint64_t roomOfFrames(std::size_t count) const;
     /// The same for all that comes before the first frame, but for texts.
     std::uint64_t roomOfGrid() const;
     /// Whether other programs can draw the grid: up to three dimensions, and corners that a number of 32 bits counts.
