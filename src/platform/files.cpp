@@ -140,6 +140,30 @@ FileResult readBeginning(const std::string& path, std::size_t bytes, std::string
     return result;
 }
 
+FileResult readEnd(const std::string& path, std::size_t bytes, std::string& content) {
+    content.clear();
+    FileResult result;
+    const File file = openFile(path, Access::read, result);
+    if (!file) return result;
+    errno = 0;
+    const std::int64_t length = lengthOf(file.get());
+    const std::int64_t begin = std::max<std::int64_t>(length - static_cast<std::int64_t>(bytes), 0);
+    content.resize(bytes);
+    std::size_t got = 0;
+    const bool read = length >= 0 && seekTo(file.get(), begin) && readAll(file.get(), content.data(), bytes, got);
+    if (!read) result = failure(errno);
+    content.resize(got);
+    return result;
+}
+
+FileResult cutFile(const std::string& path, std::int64_t length) {
+    FileResult result;
+    const File file = openFile(path, Access::update, result);
+    errno = 0;
+    if (file && !cutTo(file.get(), length)) result = failure(errno);
+    return result;
+}
+
 FileResult writeFile(const std::string& path, std::string_view content) {
     return writeThrough(path, Access::replace, content);
 }

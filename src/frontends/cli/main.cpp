@@ -29,8 +29,9 @@ namespace norvane {
 
 namespace {
 
-constexpr const char* spectrumHelp = "Write the velocity spectrum of a geometry into the file NV_spectrum beside it:\n"
-                                     "a row for each random wave vector, with its length and the power found there.";
+constexpr const char* spectrumHelp =
+    "Write the velocity spectrum of a geometry into the file NV_spectrum beside it, or another one:\n"
+    "a row for each random wave vector, with its length and the power found there.";
 
 constexpr const char* checkHelp =
     "Look at geometries as a careful colleague would: texts that do not do what they seem to, cells that cannot,\n"
@@ -61,6 +62,9 @@ Command addSpectrum(CLI::App& app) {
     SpectrumOptions& options = *kept;
     CLI::App* spectrum = app.add_subcommand("spectrum", spectrumHelp);
     addGeometry(spectrum, options.geometry);
+    spectrum->add_option("-o,--output", options.output, "the file, instead of NV_spectrum beside the geometry")
+        ->type_name("FILE")
+        ->check(notEmpty);
     spectrum->add_option("--points", options.points, "frequency points; there is one row more")
         ->capture_default_str()
         ->type_name("N")

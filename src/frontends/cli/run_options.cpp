@@ -2,6 +2,7 @@
 
 #include "core/sim_state.h"
 #include "frontends/cli/command_options.h"
+#include "frontends/cli/probe_options.h"
 #include "frontends/cli/run_command.h"
 
 #include <memory>
@@ -70,6 +71,7 @@ Command addRun(CLI::App& app) {
     run->add_option("--region", options.regions,
                     "a name for a range of cells, such as radiator=B2:B18; may be repeated")
         ->type_name("NAME=RANGE");
+    options.extras.push_back(addProbeOptions(run));
     run->footer(runStatusHelp);
     return {run, [kept] { return runGeometry(*kept); }};
 }
