@@ -4,6 +4,7 @@
 #include "frontends/cli/command_options.h"
 #include "frontends/cli/probe_options.h"
 #include "frontends/cli/run_command.h"
+#include "frontends/cli/steady_options.h"
 
 #include <memory>
 
@@ -13,7 +14,7 @@ namespace {
 
 constexpr const char* runStatusHelp =
     "Exit status:\n"
-    "  0  the run reached its stop step\n"
+    "  0  the run reached its stop step, or with --until-steady came to rest\n"
     "  1  the model ended the run (negative density, or a value that no gas has)\n"
     "  2  bad use of the command line\n"
     "  3  the geometry cannot be run, or a check refuses it\n"
@@ -72,6 +73,7 @@ Command addRun(CLI::App& app) {
                     "a name for a range of cells, such as radiator=B2:B18; may be repeated")
         ->type_name("NAME=RANGE");
     options.extras.push_back(addProbeOptions(run));
+    options.extras.push_back(addSteadyOptions(run)); // the last one: it looks at what the others have measured
     run->footer(runStatusHelp);
     return {run, [kept] { return runGeometry(*kept); }};
 }
