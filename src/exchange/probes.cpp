@@ -41,8 +41,8 @@ std::string unknownFunction(const std::string& name) {
            + (nearest.empty() ? "." : ". Did you mean \"" + nearest + "\"?");
 }
 
-std::string addColumn(std::vector<ProbeColumn>& columns, ProbeColumn column) {
-    for (const ProbeColumn& each : columns)
+std::string addColumn(std::vector<Probe>& columns, Probe column) {
+    for (const Probe& each : columns)
         if (each.name == column.name) return {};
     if (columns.size() == mostProbeColumns)
         return "the probes have more than " + std::to_string(mostProbeColumns)
@@ -51,10 +51,8 @@ std::string addColumn(std::vector<ProbeColumn>& columns, ProbeColumn column) {
     return {};
 }
 
-std::string addValues(const SimState& sim,
-                      const ProbeText& probe,
-                      const NamedQuantity& quantity,
-                      std::vector<ProbeColumn>& columns) {
+std::string
+addValues(const SimState& sim, const ProbeText& probe, const NamedQuantity& quantity, std::vector<Probe>& columns) {
     for (const std::int32_t cell : probe.cells) {
         const std::string name = spreadsheetAddress(placeOf(sim, cell)) + ":" + quantity.name;
         std::string fault = addColumn(columns, {name, quantity, ProbeFunction::value, {cell}});
@@ -64,8 +62,7 @@ std::string addValues(const SimState& sim,
 }
 
 /// An item of the list behind the range: "T", or "mean(T,p)".
-std::string
-addItem(const SimState& sim, const ProbeText& probe, const std::string& item, std::vector<ProbeColumn>& columns) {
+std::string addItem(const SimState& sim, const ProbeText& probe, const std::string& item, std::vector<Probe>& columns) {
     std::vector<NamedQuantity> quantities;
     const std::size_t open = item.find('(');
     if (open == std::string::npos) {
@@ -98,7 +95,7 @@ std::vector<std::string> itemsOf(const std::string& list) {
     return items;
 }
 
-double extremeOf(const SimState& sim, const ProbeColumn& column, bool isMaximum) {
+double extremeOf(const SimState& sim, const Probe& column, bool isMaximum) {
     double extreme = double(column.quantity.of(sim, column.cells.front()));
     for (const std::int32_t cell : column.cells) {
         const double value = double(column.quantity.of(sim, cell));
@@ -108,7 +105,7 @@ double extremeOf(const SimState& sim, const ProbeColumn& column, bool isMaximum)
     return extreme;
 }
 
-double weightedMean(const SimState& sim, const ProbeColumn& column, const Array<float>& weights) {
+double weightedMean(const SimState& sim, const Probe& column, const Array<float>& weights) {
     double sum = 0;
     double weight = 0;
     for (const std::int32_t cell : column.cells) {
@@ -118,7 +115,7 @@ double weightedMean(const SimState& sim, const ProbeColumn& column, const Array<
     return sum / weight;
 }
 
-double sumOf(const SimState& sim, const ProbeColumn& column) {
+double sumOf(const SimState& sim, const Probe& column) {
     double sum = 0;
     for (const std::int32_t cell : column.cells) sum += double(column.quantity.of(sim, cell));
     return sum;
@@ -129,7 +126,7 @@ double sumOf(const SimState& sim, const ProbeColumn& column) {
 std::string parseProbe(const SimState& sim,
                        const std::string& text,
                        std::span<const NamedRange> labels,
-                       std::vector<ProbeColumn>& columns) {
+                       std::vector<Probe>& columns) {
     const std::size_t colon = text.rfind(':');
     if (colon == std::string::npos || colon == 0 || colon + 1 == text.size())
         return "it is not ADDRESS:QUANTITIES, such as C7:T,p or D3:K9:mean(T)";
@@ -147,11 +144,11 @@ std::string parseProbe(const SimState& sim,
     return {};
 }
 
-std::string headingOf(const ProbeColumn& column) {
+std::string headingOf(const Probe& column) {
     return column.quantity.unit.empty() ? column.name : column.name + " [" + column.quantity.unit + "]";
 }
 
-double valueOf(const SimState& sim, const ProbeColumn& column) {
+double valueOf(const SimState& sim, const Probe& column) {
     switch (column.function) {
     case ProbeFunction::mean: return sumOf(sim, column) / static_cast<double>(column.cells.size());
     case ProbeFunction::volumeMean: return weightedMean(sim, column, sim.cellVolume);
@@ -163,17 +160,17 @@ double valueOf(const SimState& sim, const ProbeColumn& column) {
     }
 }
 
-std::string probeHeader(std::span<const ProbeColumn> columns) {
+std::string probeHeader(std::span<const Probe> columns) {
     std::string header = "step,time [s]";
-    for (const ProbeColumn& column : columns) header += "," + csvField(headingOf(column));
+    for (const Probe& column : columns) header += "," + csvField(headingOf(column));
     return header.append(csvLineEnd);
 }
 
-std::string probeRow(const SimState& sim, std::span<const ProbeColumn> columns, std::vector<double>& values) {
+std::string probeRow(const SimState& sim, std::span<const Probe> columns, std::vector<double>& values) {
     std::string row = std::to_string(sim.stepCount);
     appendNineDigits(row += ',', double(sim.dt) * sim.stepCount);
     values.clear();
-    for (const ProbeColumn& column : columns) {
+    for (const Probe& column : columns) {
         values.push_back(valueOf(sim, column));
         appendNineDigits(row += ',', values.back());
     }

@@ -23,7 +23,7 @@ enum class ProbeFunction : std::uint8_t {
 };
 
 /// A column of the table.
-struct ProbeColumn {
+struct Probe {
     std::string name; ///< "C7:T", "D3:K9:mean(T)"
     NamedQuantity quantity;
     ProbeFunction function = ProbeFunction::value;
@@ -37,17 +37,17 @@ inline constexpr std::size_t mostProbeColumns = 1000;
 std::string parseProbe(const SimState& sim,
                        const std::string& text,
                        std::span<const NamedRange> labels,
-                       std::vector<ProbeColumn>& columns);
+                       std::vector<Probe>& columns);
 
 /// "C7:T [K]".
-std::string headingOf(const ProbeColumn& column);
+std::string headingOf(const Probe& column);
 
-double valueOf(const SimState& sim, const ProbeColumn& column);
+double valueOf(const SimState& sim, const Probe& column);
 
 /// The first line: step, time and the columns.
-std::string probeHeader(std::span<const ProbeColumn> columns);
+std::string probeHeader(std::span<const Probe> columns);
 
 /// The line of the step and the fields that stand; `values` holds those of the columns afterwards.
-std::string probeRow(const SimState& sim, std::span<const ProbeColumn> columns, std::vector<double>& values);
+std::string probeRow(const SimState& sim, std::span<const Probe> columns, std::vector<double>& values);
 
 } // namespace norvane

@@ -34,7 +34,7 @@ struct Probes {
     std::string listFault;
     std::int32_t every = usualInterval;
 
-    std::vector<ProbeColumn> columns;
+    std::vector<Probe> columns;
     RowFile file;
     RowFileContent old;
     std::vector<double> values; ///< of the latest row

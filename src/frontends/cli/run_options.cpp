@@ -25,7 +25,10 @@ constexpr const char* runStatusHelp =
 constexpr const char* runHelp =
     "Load a geometry and run it to its end.\n\n"
     "The results lie beside the geometry m.gmt: m_out, the table of the latest plot, m_log, a line for each logged\n"
-    "step (key LT), m_state with --save or key ST, pictures with --snapshots or key FT.";
+    "step (key LT), m_state with --save or key ST, pictures with --snapshots or key FT, m_probes.csv with --probe or\n"
+    "a file m.probes.\n\n"
+    "A word @FILE stands for the options in that file, one on a line with its value: --probe C7:T,p. Lines that begin\n"
+    "with # are left out.";
 
 } // namespace
 
