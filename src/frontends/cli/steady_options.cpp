@@ -134,7 +134,8 @@ std::vector<std::string> report(const Steady& steady) {
                 + " or do not reach back over the window of " + window + " (--window sets another)"};
     if (steady.isReached)
         return {"Steady: over " + window + ", " + trendText(steady.trends.front()) + ", the others by less"};
-    std::vector<std::string> lines{"Steady: no, over the last " + window + " by more than " + tolerance + ":"};
+    std::vector<std::string> lines{"Steady: no; over the last " + window + " moved by more than " + tolerance
+                                   + " of the mean:"};
     std::size_t restless = 0;
     for (const SteadyTrend& trend : steady.trends) {
         if (trend.isSteady(steady.options.tolerance)) continue;
