@@ -3,7 +3,6 @@
 #include "core/number_text.h"
 #include "platform/available_memory.h"
 #include "platform/files.h"
-#include "platform/safe_file.h"
 
 #include <algorithm>
 #include <cmath>
@@ -160,7 +159,7 @@ bool writeSpectrum(SimState& sim, Interface& ui, std::int32_t pointCount) {
             {"An error occured opening the file", ReportKind::note, 0, std::string(fileName) + ": " + opened.reason});
         return false;
     }
-    const OverwriteResult written = overwriteFile(spectrumPath(sim), text);
+    const FileResult written = replaceFile(spectrumPath(sim), text);
     if (!written) {
         ui.showMessage(std::string("The spectrum file ") + fileName + " can't be written: " + written.reason + ".");
         return false;
