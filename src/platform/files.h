@@ -64,9 +64,12 @@ FileResult appendFile(const std::string& path, std::string_view content);
 /// Cuts what lies beyond so many bytes off a file.
 FileResult cutFile(const std::string& path, std::int64_t length);
 
-/// Replaces a file by way of a new one beside it: the name stands for the old content or the whole new one. A link
-/// stays a link. Nothing that others have made beside it is touched.
+/// Replaces a file by way of a new one beside it: the name stands for the old content or the whole new one. See
+/// Replacement.
 FileResult replaceFile(const std::string& path, std::string_view content);
+
+/// Gives a file another name, also one that another file has, which is replaced.
+FileResult renameFile(const std::string& from, const std::string& to);
 
 /// Opens for writing without changing the content, creating the file if need be, and closes: what a write would meet.
 FileResult tryOpenForWriting(const std::string& path);
