@@ -10,6 +10,7 @@
 #include "frontends/cli/run_command.h"
 #include "frontends/cli/show_command.h"
 #include "frontends/cli/spectrum_command.h"
+#include "frontends/cli/verify_command.h"
 #include "frontends/script/script_front_end.h"
 #include "platform/files.h"
 #include "platform/process.h"
@@ -61,6 +62,10 @@ constexpr const char* showHelp =
     "each with where it comes from.";
 
 constexpr const char* diffHelp = "Compare two drawings value by value, not by their text.";
+
+constexpr const char* verifyHelp =
+    "Run verification cases: folders that hold drawings and a file case.txt, which tells what their results are\n"
+    "compared with and how near they have to come (docs/verification_cases.md). Writes no file.";
 
 constexpr const char* scriptHelp =
     "Drive the whole program without a window: the commands of FILE are a person's clicks,\n"
@@ -210,6 +215,20 @@ CLI::App* addDiff(CLI::App& app, std::string& before, std::string& after, std::s
     return diff;
 }
 
+CLI::App* addVerify(CLI::App& app, VerifyOptions& options) {
+    CLI::App* verify = app.add_subcommand("verify", verifyHelp);
+    verify->add_option("FOLDER", options.folders, "the folders of the cases")->required();
+    verify->add_option("--format", options.format, "text or json")->check(CLI::IsMember({"text", "json"}));
+    verify->add_flag("--short", options.isShort, "run the first grid of each case alone, without orders");
+    verify->add_flag("-q,--quiet", options.quiet, "do not print which run is under way");
+    verify->add_option("--threads", options.threads, "threads of a run; 1 unless told otherwise")
+        ->type_name("N")
+        ->check(CLI::Range(1, maxThreads));
+    verify->footer("Exit status: 0 all cases pass, 1 one fails, 2 bad use, 3 a case can't be run, 4 a file can't be\n"
+                   "read.");
+    return verify;
+}
+
 std::string withNearest(std::string text, const std::string& given, const std::vector<std::string>& words) {
     const std::string nearest = nearestWord(given, words);
     return nearest.empty() ? text : text + " Did you mean \"" + nearest + "\"?";
@@ -288,6 +307,8 @@ int runCommandLine(int argc, char** argv) {
     std::string after;
     std::string picture;
     const CLI::App* diff = addDiff(app, before, after, picture);
+    VerifyOptions verifyOptions;
+    const CLI::App* verify = addVerify(app, verifyOptions);
     std::string scriptPath;
     bool trace = false;
     CLI::App* script = app.add_subcommand("script", scriptHelp);
@@ -316,6 +337,7 @@ int runCommandLine(int argc, char** argv) {
     if (*check) return printedStatus(checkGeometries(checkOptions));
     if (*show) return printedStatus(showGeometry(showOptions));
     if (*diff) return printedStatus(diffGeometries(before, after, picture));
+    if (*verify) return printedStatus(verifyFolders(verifyOptions));
     return runScript(scriptPath, trace, putsAnywhere);
 }
 
