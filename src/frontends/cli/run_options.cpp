@@ -70,6 +70,7 @@ Command addRun(CLI::App& app) {
     run->add_option("--region", options.regions,
                     "a name for a range of cells, such as radiator=B2:B18; may be repeated")
         ->type_name("NAME=RANGE");
+    addCheckpointOptions(run, options.checkpoints);
     run->footer(runStatusHelp);
     return {run, [kept] { return runGeometry(*kept); }};
 }
