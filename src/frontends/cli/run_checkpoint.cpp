@@ -138,6 +138,7 @@ std::string writeAndPublish(ConsoleRun& run, bool afterOutputs) {
     if (std::exchange(checkpoints.removesOlder, false)) removeFile(checkpoints.older);
     checkpoints.keepsOlder = true;
     checkpoints.latest = sim.stepCount;
+    checkpoints.count += 1;
     return {};
 }
 
@@ -145,7 +146,7 @@ std::string writeAndPublish(ConsoleRun& run, bool afterOutputs) {
 void store(ConsoleRun& run, bool afterOutputs) {
     RunCheckpoints& checkpoints = run.checkpoints;
     const std::string fault = writeAndPublish(run, afterOutputs);
-    checkpoints.written = Clock::now();
+    checkpoints.lastTime = Clock::now();
     if (!fault.empty()) checkpoints.failures += 1;
     if (!fault.empty() && fault != checkpoints.fault)
         complain(run, "No checkpoint of step " + std::to_string(simOf(run).stepCount) + " in "
@@ -161,9 +162,10 @@ void beforeOutputs(ConsoleRun& run) {
     const SimState& sim = simOf(run);
     checkpoints.inOutputs = true;
     const bool isAsked = takeCheckpointSignal();
-    const bool isDue = (checkpoints.steps > 0 && sim.stepCount % checkpoints.steps == 0) || sim.stopFlag || isAsked
-                       || (checkpoints.seconds > 0
-                           && Clock::now() - checkpoints.written >= std::chrono::duration<double>(checkpoints.seconds));
+    const bool isDue =
+        (checkpoints.steps > 0 && sim.stepCount % checkpoints.steps == 0) || sim.stopFlag || isAsked
+        || (checkpoints.seconds > 0
+            && Clock::now() - checkpoints.lastTime >= std::chrono::duration<double>(checkpoints.seconds));
     if (isDue && !sim.outcome.negativeDensity && sim.stepCount != checkpoints.latest) store(run, false);
     if (isAsked && sim.stepCount == checkpoints.latest) {
         run.progress.wipe();
@@ -309,7 +311,7 @@ Restored restore(ConsoleRun& run, SimState& sim) {
     sim.revision += 1;
     run.startStep = from.firstStep;
     cutLog(run);
-    findFrames(run.frames, run.options.frameEvery, from.firstStep, from.step);
+    findFrames(run.frames, run.options.frameEvery, from.firstStep, from.step + (from.afterOutputs ? 1 : 0));
     if (!goOnWithExtras(run)) return Restored::failed;
     return from.afterOutputs ? Restored::afterOutputs : Restored::beforeOutputs;
 }
@@ -357,7 +359,7 @@ bool takeCheckpointOptions(ConsoleRun& run) {
     extra.files = [&run] {
         std::vector<std::string> files;
         for (const std::string& path : {run.checkpoints.path, run.checkpoints.older})
-            if (run.checkpoints.latest >= 0 && stampOf(path).exists) files.push_back(nameOf(path));
+            if (run.checkpoints.count > 0 && stampOf(path).exists) files.push_back(nameOf(path));
         return files;
     };
     run.extras.push_back(std::move(extra));
@@ -371,7 +373,7 @@ ExitStatus connectCheckpoints(ConsoleRun& run) {
     checkpoints.path = joinPath(sim.inputDir, sim.baseName + "_checkpoint.nc");
     checkpoints.older = joinPath(sim.inputDir, sim.baseName + "_checkpoint_old.nc");
     checkpoints.fresh = joinPath(sim.inputDir, "." + sim.baseName + "_checkpoint.nc.part");
-    checkpoints.written = Clock::now();
+    checkpoints.lastTime = Clock::now();
     RunOperations& operations = run.console.program.operations;
     if (writes)
         operations.outputs.insert(operations.outputs.begin(), {.name = "checkpoint",

@@ -39,12 +39,13 @@ struct RunCheckpoints {
     bool removesOlder = false; ///< the older one is of an earlier run
     bool inOutputs = false;   ///< of a step: a stop then would find files written that the checkpoint of the step lacks
     std::int32_t latest = -1; ///< step of the latest checkpoint
+    int count = 0;            ///< that were written
     int failures = 0;
     std::string fault; ///< reported last
     std::string table; ///< fingerprints
     std::uint64_t model = 0;
     std::uint64_t radiation = 0;
-    std::chrono::steady_clock::time_point written;
+    std::chrono::steady_clock::time_point lastTime; ///< of a checkpoint, or of the start
 };
 
 /// Looks at the options, which gives what the extras are told of. Gives false, after a message, where they are of no
