@@ -1,7 +1,7 @@
 #include "core/run_memory.h"
 
 #include "core/cell_fields.h"
-#include "platform/digest.h"
+#include "platform/checksum.h"
 
 #include <algorithm>
 #include <iterator>
@@ -97,19 +97,6 @@ std::vector<KeptField> keptFields(SimState& sim) {
         fields.push_back(std::move(kept));
     }
     return fields;
-}
-
-std::string tableFingerprint(const SimState& sim) {
-    Sha256 sha;
-    std::string shape = "columns " + std::to_string(sim.gridCols) + " first " + std::to_string(sim.firstLayerRow)
-                        + " layer " + std::to_string(sim.layerRows) + " species " + std::to_string(sim.nsMax);
-    for (int dim = 1; dim <= sim.nDim; ++dim) shape += " " + std::to_string(sim.cellCount[dim]);
-    sha.add(shape);
-    for (std::int64_t row = 1; row <= sim.grid.rowCount(); ++row) {
-        sha.add("\n"); // whatever ends the rows in the file
-        sha.add(sim.grid.row(row));
-    }
-    return sha.text();
 }
 
 std::uint64_t modelFingerprint(const SimState& sim) {

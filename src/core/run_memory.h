@@ -6,7 +6,6 @@
 #include "core/sim_state.h"
 
 #include <cstdint>
-#include <string>
 #include <vector>
 
 namespace norvane {
@@ -27,9 +26,6 @@ struct KeptField {
 
 /// All of a grid that has been allocated. To keep a further field is a row in the table of this function.
 std::vector<KeptField> keptFields(SimState& sim);
-
-/// Of the texts of the table as it is run, changes in memory included, and its shape: SHA-256.
-std::string tableFingerprint(const SimState& sim);
 
 /// Of all that a build makes of a table and no stage changes: CRC-64 of its bits.
 std::uint64_t modelFingerprint(const SimState& sim);

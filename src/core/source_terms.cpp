@@ -1,9 +1,9 @@
 #include "core/source_terms.h"
 
 #include "core/accumulate.h"
+#include "core/exponential.h"
 #include "core/wall_codes.h"
 
-#include <cmath>
 #include <cstdlib>
 
 namespace norvane {
@@ -42,11 +42,11 @@ void addSpeciesExchange(SimState& sim, int stage, std::int32_t cell) {
     if (!hasExchange(sim, cell)) return;
     const auto parameter = [&](int number) { return double(sim.paramGP[number]); };
     const double temperature = sim.temperature[cell];
-    const double growth = parameter(balanceFactor) * std::exp(parameter(balanceTemperature) / temperature);
+    const double growth = parameter(balanceFactor) * exponential(parameter(balanceTemperature) / temperature);
     const double balance = growth * parameter(balanceLimit) / (growth + 1);
 
     const double rateScale = parameter(rateTemperature);
-    double rate = std::exp(-rateScale / temperature) * (1 / parameter(rateTime)) / std::exp(-rateScale / 973);
+    double rate = exponential(-rateScale / temperature) * (1 / parameter(rateTime)) / exponential(-rateScale / 973);
     // The full dt in every stage, not the stage step: the cap bounds what one whole step may exchange.
     const double cap = 0.5 / double(sim.dt);
     if (rate > cap) rate = cap;

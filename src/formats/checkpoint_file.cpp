@@ -2,7 +2,7 @@
 
 #include "core/run_memory.h"
 #include "formats/netcdf_file.h"
-#include "platform/digest.h"
+#include "platform/checksum.h"
 #include "platform/files.h"
 #include "platform/sealed_file.h"
 

@@ -25,8 +25,8 @@ struct Checkpoint {
     std::int32_t firstStep = 0; ///< step count at the start of the run
     std::int32_t stopStep = 0;
     bool afterOutputs = false; ///< those of the step are written; else they are to come
-    std::string table;         ///< fingerprints, as in core/run_memory.h
-    std::uint64_t model = 0;
+    std::string table;         ///< fingerprint of its text as it is run
+    std::uint64_t model = 0;   ///< fingerprints, as in core/run_memory.h
     std::uint64_t radiation = 0;
     std::uint64_t random = 0;         ///< state of the random sequence of spectra
     std::vector<NamedText> settings;  ///< options that shape what the run writes

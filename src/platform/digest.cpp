@@ -8,43 +8,7 @@ namespace norvane {
 
 namespace {
 
-// --- CRC-64: eight bytes at a time, each through a table of its own
-// ---------------------------------------------------
-
-constexpr int lanes = 8;
-using CrcTables = std::array<std::array<std::uint64_t, 256>, lanes>;
-
-constexpr CrcTables makeTables() {
-    constexpr std::uint64_t polynomial = 0xC96C5795D7870F42; // 42F0E1EBA9EA3693, bits reflected
-    CrcTables tables{};
-    for (std::uint64_t byte = 0; byte < 256; ++byte) {
-        std::uint64_t crc = byte;
-        for (int bit = 0; bit < 8; ++bit) crc = (crc >> 1) ^ ((crc & 1) != 0 ? polynomial : 0);
-        tables[0][byte] = crc;
-    }
-    for (std::size_t lane = 1; lane < lanes; ++lane)
-        for (std::size_t byte = 0; byte < 256; ++byte) {
-            const std::uint64_t before = tables[lane - 1][byte];
-            tables[lane][byte] = (before >> 8) ^ tables[0][before & 0xFF];
-        }
-    return tables;
-}
-
-constexpr CrcTables crcTables = makeTables();
-
-/// Eight bytes, the first one lowest.
-std::uint64_t wordAt(const std::byte* bytes) {
-    std::uint64_t word = 0;
-    if constexpr (std::endian::native == std::endian::little)
-        std::memcpy(&word, bytes, sizeof word);
-    else
-        for (std::size_t k = 0; k < sizeof word; ++k) word |= std::to_integer<std::uint64_t>(bytes[k]) << (8 * k);
-    return word;
-}
-
-// --- SHA-256
-// ----------------------------------------------------------------------------------------------------------
-
+/// The first 32 bits of the fractions of the cube roots of the first 64 primes.
 constexpr std::array<std::uint32_t, 64> roundConstants = {
     0x428a2f98, 0x71374491, 0xb5c0fbcf, 0xe9b5dba5, 0x3956c25b, 0x59f111f1, 0x923f82a4, 0xab1c5ed5,
     0xd807aa98, 0x12835b01, 0x243185be, 0x550c7dc3, 0x72be5d74, 0x80deb1fe, 0x9bdc06a7, 0xc19bf174,
@@ -55,51 +19,30 @@ constexpr std::array<std::uint32_t, 64> roundConstants = {
     0x19a4c116, 0x1e376c08, 0x2748774c, 0x34b0bcb5, 0x391c0cb3, 0x4ed8aa4a, 0x5b9cca4f, 0x682e6ff3,
     0x748f82ee, 0x78a5636f, 0x84c87814, 0x8cc70208, 0x90befffa, 0xa4506ceb, 0xbef9a3f7, 0xc67178f2};
 
-std::uint32_t sigma(std::uint32_t x, int a, int b, int c) {
-    return std::rotr(x, a) ^ std::rotr(x, b) ^ std::rotr(x, c);
-}
-
-std::array<std::uint32_t, 64> scheduleOf(const std::uint8_t* block) {
-    std::array<std::uint32_t, 64> w{};
+/// The 64 words of a block that its rounds add.
+std::array<std::uint32_t, 64> scheduleOf(const unsigned char* block) {
+    std::array<std::uint32_t, 64> words{};
     for (std::size_t k = 0; k < 16; ++k)
-        w[k] = std::uint32_t{block[4 * k]} << 24 | std::uint32_t{block[4 * k + 1]} << 16
-               | std::uint32_t{block[4 * k + 2]} << 8 | std::uint32_t{block[4 * k + 3]};
-    for (std::size_t k = 16; k < 64; ++k) {
-        const std::uint32_t a = std::rotr(w[k - 15], 7) ^ std::rotr(w[k - 15], 18) ^ (w[k - 15] >> 3);
-        const std::uint32_t b = std::rotr(w[k - 2], 17) ^ std::rotr(w[k - 2], 19) ^ (w[k - 2] >> 10);
-        w[k] = w[k - 16] + a + w[k - 7] + b;
+        for (std::size_t byte = 0; byte < 4; ++byte) words[k] = words[k] << 8 | block[4 * k + byte];
+    for (std::size_t k = 16; k < words.size(); ++k) {
+        const std::uint32_t a = words[k - 15];
+        const std::uint32_t b = words[k - 2];
+        words[k] = words[k - 16] + words[k - 7] + (std::rotr(a, 7) ^ std::rotr(a, 18) ^ a >> 3)
+                   + (std::rotr(b, 17) ^ std::rotr(b, 19) ^ b >> 10);
     }
-    return w;
-}
-
-std::string hexDigits(std::uint64_t value, int digits) {
-    std::string text;
-    for (int k = digits - 1; k >= 0; --k) text += "0123456789abcdef"[value >> (4 * k) & 0xF];
-    return text;
+    return words;
 }
 
 } // namespace
 
-void Crc64::add(std::span<const std::byte> bytes) {
-    std::uint64_t crc = state_;
-    std::size_t k = 0;
-    for (; k + lanes <= bytes.size(); k += lanes) {
-        crc ^= wordAt(bytes.data() + k);
-        std::uint64_t next = 0;
-        for (std::size_t lane = 0; lane < lanes; ++lane) next ^= crcTables[lanes - 1 - lane][crc >> (8 * lane) & 0xFF];
-        crc = next;
-    }
-    for (; k < bytes.size(); ++k)
-        crc = (crc >> 8) ^ crcTables[0][(crc ^ std::to_integer<std::uint64_t>(bytes[k])) & 0xFF];
-    state_ = crc;
-}
-
-void Sha256::takeBlock(const std::uint8_t* block) {
-    const std::array<std::uint32_t, 64> w = scheduleOf(block);
+void Sha256::addBlock(const unsigned char* block) {
+    const std::array<std::uint32_t, 64> words = scheduleOf(block);
     auto [a, b, c, d, e, f, g, h] = state_;
-    for (std::size_t k = 0; k < 64; ++k) {
-        const std::uint32_t first = h + sigma(e, 6, 11, 25) + ((e & f) ^ (~e & g)) + roundConstants[k] + w[k];
-        const std::uint32_t second = sigma(a, 2, 13, 22) + ((a & b) ^ (a & c) ^ (b & c));
+    for (std::size_t k = 0; k < words.size(); ++k) {
+        const std::uint32_t first = h + (std::rotr(e, 6) ^ std::rotr(e, 11) ^ std::rotr(e, 25)) + ((e & f) ^ (~e & g))
+                                    + roundConstants[k] + words[k];
+        const std::uint32_t second =
+            (std::rotr(a, 2) ^ std::rotr(a, 13) ^ std::rotr(a, 22)) + ((a & b) ^ (a & c) ^ (b & c));
         h = g;
         g = f;
         f = e;
@@ -109,35 +52,51 @@ void Sha256::takeBlock(const std::uint8_t* block) {
         b = a;
         a = first + second;
     }
-    const std::array<std::uint32_t, 8> mixed = {a, b, c, d, e, f, g, h};
-    for (std::size_t k = 0; k < mixed.size(); ++k) state_[k] += mixed[k];
+    const std::array<std::uint32_t, 8> added{a, b, c, d, e, f, g, h};
+    for (std::size_t k = 0; k < added.size(); ++k) state_[k] += added[k];
 }
 
-void Sha256::add(std::string_view text) {
-    bytes_ += text.size();
-    while (!text.empty()) {
-        const std::size_t part = std::min(text.size(), block_.size() - inBlock_);
-        std::copy_n(text.begin(), part, block_.begin() + static_cast<std::ptrdiff_t>(inBlock_));
-        text.remove_prefix(part);
-        inBlock_ += part;
-        if (inBlock_ < block_.size()) break;
-        takeBlock(block_.data());
-        inBlock_ = 0;
+void Sha256::add(std::string_view bytes) { add(bytes.data(), bytes.size()); }
+
+void Sha256::add(const void* bytes, std::size_t count) {
+    const auto* next = static_cast<const unsigned char*>(bytes);
+    count_ += count;
+    while (count > 0) {
+        if (restCount_ == 0 && count >= blockBytes) {
+            addBlock(next);
+            next += blockBytes;
+            count -= blockBytes;
+            continue;
+        }
+        const std::size_t taken = std::min(count, blockBytes - restCount_);
+        std::memcpy(rest_.data() + restCount_, next, taken);
+        next += taken;
+        count -= taken;
+        restCount_ += taken;
+        if (restCount_ < blockBytes) continue;
+        addBlock(rest_.data());
+        restCount_ = 0;
     }
 }
 
-std::string Sha256::text() {
-    const std::uint64_t bits = bytes_ * 8;
-    const std::size_t zeros = (block_.size() + 55 - inBlock_) % block_.size(); // so that 8 bytes are left
-    std::string padding(1 + zeros, '\0');
-    padding[0] = '\x80';
-    for (int k = 7; k >= 0; --k) padding += static_cast<char>(bits >> (8 * k) & 0xFF);
-    add(padding);
-    std::string digits;
-    for (const std::uint32_t word : state_) digits += hexDigits(word, 8);
-    return digits;
+std::string Sha256::hex() {
+    const std::uint64_t bits = count_ * 8;
+    add("\x80");
+    constexpr std::size_t lengthAt = blockBytes - sizeof bits;
+    while (restCount_ != lengthAt) add(std::string_view("\0", 1));
+    unsigned char length[sizeof bits];
+    for (std::size_t k = 0; k < sizeof bits; ++k) length[k] = static_cast<unsigned char>(bits >> (56 - 8 * k));
+    add(length, sizeof length);
+    std::string text;
+    for (const std::uint32_t word : state_)
+        for (int shift = 28; shift >= 0; shift -= 4) text += "0123456789abcdef"[word >> shift & 15];
+    return text;
 }
 
-std::string hexText(std::uint64_t value) { return hexDigits(value, 16); }
+std::string sha256(std::string_view text) {
+    Sha256 digest;
+    digest.add(text);
+    return digest.hex();
+}
 
 } // namespace norvane

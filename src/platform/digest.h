@@ -1,47 +1,36 @@
 #pragma once
-// Numbers that tell whether bytes are the ones that they were.
+// SHA-256 (FIPS 180-4): tells whether two contents are the same.
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <string>
 #include <string_view>
 
 namespace norvane {
 
-/// CRC-64 with the polynomial of ECMA-182, bits reflected, start and end inverted ("CRC-64/XZ"): finds accidents, and
-/// is fast enough for fields.
-class Crc64 {
-public:
-    void add(std::span<const std::byte> bytes);
-
-    void add(std::string_view text) { add(std::as_bytes(std::span(text))); }
-
-    std::uint64_t value() const { return ~state_; }
-
-private:
-    std::uint64_t state_ = ~std::uint64_t{0};
-};
-
-/// SHA-256 (FIPS 180-4): a fingerprint of a text.
+/// Takes a content in any number of pieces.
 class Sha256 {
 public:
-    void add(std::string_view text);
-    /// 64 hexadecimal digits. Nothing is added after that.
-    std::string text();
+    void add(std::string_view bytes);
+    void add(const void* bytes, std::size_t count);
+
+    /// The digest of all that was added, as 64 small hexadecimal digits. Nothing may be added afterwards.
+    std::string hex();
 
 private:
-    void takeBlock(const std::uint8_t* block);
+    static constexpr std::size_t blockBytes = 64;
 
-    std::array<std::uint32_t, 8> state_ = {0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a,
-                                           0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19};
-    std::array<std::uint8_t, 64> block_{};
-    std::size_t inBlock_ = 0;
-    std::uint64_t bytes_ = 0;
+    void addBlock(const unsigned char* block);
+
+    std::array<std::uint32_t, 8> state_{0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a,
+                                        0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19};
+    std::array<unsigned char, blockBytes> rest_{}; ///< what does not fill a block yet
+    std::size_t restCount_ = 0;
+    std::uint64_t count_ = 0; ///< bytes in all
 };
 
-/// 16 hexadecimal digits.
-std::string hexText(std::uint64_t value);
+/// Of one text.
+std::string sha256(std::string_view text);
 
 } // namespace norvane

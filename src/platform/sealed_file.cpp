@@ -1,6 +1,6 @@
 #include "platform/sealed_file.h"
 
-#include "platform/digest.h"
+#include "platform/checksum.h"
 #include "platform/open_file.h"
 
 #include <algorithm>

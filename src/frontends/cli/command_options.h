@@ -31,5 +31,6 @@ std::string listedQuantities();
 
 Command addRun(CLI::App& app);
 Command addPlot(CLI::App& app);
+Command addExport(CLI::App& app);
 
 } // namespace norvane

@@ -1,9 +1,9 @@
 // The command line: its commands, and what is wrong with one that can't be read.
 
+#include "core/nearest.h"
 #include "frontends/cli/check_command.h"
 #include "frontends/cli/command_options.h"
 #include "frontends/cli/exit_status.h"
-#include "frontends/cli/nearest.h"
 #include "frontends/cli/run_command.h"
 #include "frontends/cli/show_command.h"
 #include "frontends/cli/spectrum_command.h"
@@ -189,8 +189,8 @@ int runCommandLine(int argc, char** argv) {
     app.set_version_flag("--version", "norvane " NORVANE_VERSION);
     app.require_subcommand(1);
 
-    const Command commands[] = {addRun(app),  addPlot(app), addSpectrum(app), addCheck(app),
-                                addShow(app), addDiff(app), addScript(app)};
+    const Command commands[] = {addRun(app),   addPlot(app), addExport(app), addSpectrum(app),
+                                addCheck(app), addShow(app), addDiff(app),   addScript(app)};
 
     const std::string unknown = unknownWord(app, {argv + std::min(argc, 1), argv + argc});
     if (!unknown.empty()) {

@@ -4,6 +4,7 @@
 #include "core/run_memory.h"
 #include "frontends/cli/run_console.h"
 #include "frontends/cli/stop_signals.h"
+#include "geometry/table_text.h"
 #include "platform/files.h"
 #include "platform/sealed_file.h"
 
