@@ -3,7 +3,6 @@
 #include "core/number_text.h"
 #include "platform/available_memory.h"
 #include "platform/files.h"
-#include "platform/safe_file.h"
 #include "platform/terminal_text.h"
 
 #include <algorithm>
@@ -162,7 +161,7 @@ bool writeSpectrum(SimState& sim, Interface& ui, std::int32_t pointCount, const 
             {"An error occured opening the file", ReportKind::note, 0, nameOf(target) + ": " + opened.reason});
         return false;
     }
-    const OverwriteResult written = overwriteFile(target, text);
+    const FileResult written = replaceFile(target, text);
     if (!written) {
         ui.showMessage("The spectrum file " + printableName(nameOf(target)) + " can't be written: " + written.reason
                        + ".");

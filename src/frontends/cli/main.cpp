@@ -8,6 +8,7 @@
 #include "frontends/cli/run_command.h"
 #include "frontends/cli/show_command.h"
 #include "frontends/cli/spectrum_command.h"
+#include "frontends/cli/verify_command.h"
 #include "frontends/script/script_front_end.h"
 #include "platform/files.h"
 #include "platform/process.h"
@@ -44,6 +45,10 @@ constexpr const char* showHelp =
     "each with where it comes from.";
 
 constexpr const char* diffHelp = "Compare two drawings value by value, not by their text.";
+
+constexpr const char* verifyHelp =
+    "Run verification cases: folders that hold drawings and a file case.txt, which tells what their results are\n"
+    "compared with and how near they have to come (docs/verification_cases.md). Writes no file.";
 
 constexpr const char* scriptHelp =
     "Drive the whole program without a window: the commands of FILE are a person's clicks,\n"
@@ -123,6 +128,22 @@ Command addDiff(CLI::App& app) {
         ->type_name("FILE");
     diff->footer("Exit status: 0 nothing differs, 1 something does, 2 bad use, 3 a geometry cannot be used.");
     return {diff, [kept] { return printedStatus(diffGeometries(kept->before, kept->after, kept->picture)); }};
+}
+
+Command addVerify(CLI::App& app) {
+    const auto kept = std::make_shared<VerifyOptions>();
+    VerifyOptions& options = *kept;
+    CLI::App* verify = app.add_subcommand("verify", verifyHelp);
+    verify->add_option("FOLDER", options.folders, "the folders of the cases")->required();
+    verify->add_option("--format", options.format, "text or json")->check(CLI::IsMember({"text", "json"}));
+    verify->add_flag("--short", options.isShort, "run the first grid of each case alone, without orders");
+    verify->add_flag("-q,--quiet", options.quiet, "do not print which run is under way");
+    verify->add_option("--threads", options.threads, "threads of a run; 1 unless told otherwise")
+        ->type_name("N")
+        ->check(CLI::Range(1, maxThreads));
+    verify->footer("Exit status: 0 all cases pass, 1 one fails, 2 bad use, 3 a case can't be run, 4 a file can't be\n"
+                   "read.");
+    return {verify, [kept] { return printedStatus(verifyFolders(*kept)); }};
 }
 
 struct ScriptOptions {
@@ -207,8 +228,8 @@ int runCommandLine(int argc, char** argv) {
     app.set_version_flag("--version", "norvane " NORVANE_VERSION);
     app.require_subcommand(1);
 
-    const Command commands[] = {addRun(app),   addPlot(app), addExport(app), addSpectrum(app),
-                                addCheck(app), addShow(app), addDiff(app),   addScript(app)};
+    const Command commands[] = {addRun(app),  addPlot(app), addExport(app), addSpectrum(app), addCheck(app),
+                                addShow(app), addDiff(app), addVerify(app), addScript(app)};
 
     std::vector<OptionWord> words;
     if (!takeWords(argc, argv, words)) return exitBadUse;

@@ -50,6 +50,8 @@ Command addRun(CLI::App& app) {
     run->add_option("--threads", options.threads, "threads of the computation; the results are the same for any number")
         ->type_name("N")
         ->check(CLI::Range(1, maxThreads));
+    run->add_flag("--compensated", options.compensated,
+                  "carry what single precision rounds away on to the next step; other results, closer to the equations");
     run->add_option("--movie", options.movie, "make a film of these pictures, such as m.mp4, with ffmpeg")
         ->type_name("FILE")
         ->needs("--snapshots");
@@ -75,6 +77,7 @@ Command addRun(CLI::App& app) {
     run->add_option("--region", options.regions,
                     "a name for a range of cells, such as radiator=B2:B18; may be repeated")
         ->type_name("NAME=RANGE");
+    addCheckpointOptions(run, options.checkpoints);
     options.extras.push_back(addProbeOptions(run));
     options.extras.push_back(addSteadyOptions(run)); // the last one: it looks at what the others have measured
     run->footer(runStatusHelp);
