@@ -108,7 +108,8 @@ TEST(commandLine, makesAFilmOfTheNumberedPicturesAndKeepsThemWhereItFails) {
     EXPECT_EQ(failed.status, 4);
     EXPECT_THAT(failed.out, HasSubstr("No film x.mp4: ffmpeg could not make it. The pictures "));
     EXPECT_TRUE(test.exists("m_000002.png") && !test.exists("x.mp4"));
-    EXPECT_THAT(runProgram(film, path).out, HasSubstr("The film x.mp4 has 3 pictures."));
+    EXPECT_THAT(runProgram(film, path).out,
+                testing::AllOf(HasSubstr("The film x.mp4 has 3 pictures."), HasSubstr("  Files: m_out, x.mp4\n")));
     std::string list;
     for (const char* step : {"2", "4", "6"})
         list += "file '" + test.folder.string() + "/m_00000" + step + ".png'\nduration 0.04\n";

@@ -182,9 +182,36 @@ TEST(steadyRun, endsWhenTheCavityHasTheTemperatureOfItsWall) {
     const Outcome early = runProgram("run m.gmt --set NT=400 --window 0.002" + probes + "1E-5");
     EXPECT_EQ(early.status, 0);
     EXPECT_THAT(early.out,
-                testing::ContainsRegex("Steady: no; over the last 0.002 s moved by more than 0.00001 of the mean:\n *.*moved by "));
+                testing::ContainsRegex(
+                    "Steady: no; over the last 0.002 s moved by more than 0.00001 of the mean:\n *.*moved by "));
     EXPECT_THAT(runProgram("run m.gmt --set NT=50" + probes + "1E-5").out,
                 HasSubstr("Steady: not known; the rows are fewer"));
+}
+
+TEST(steadyRun, thatIsResumedEndsAtTheSameStepWithTheSameRows) {
+    TestProgram test;
+    test.write("m.gmt", cavity("DT 1E-5:NT 1000000:UT 0"));
+    const std::string options =
+        "run -q m.gmt --probe D6:T,p --probe 'B3:D6:massmean(T)' --probe-every 3 --until-steady 1E-6 "
+        "--checkpoint-every 50 ";
+    const Outcome whole = runProgram(options + "-o whole --summary whole.json");
+    if (whole.status == 2) GTEST_SKIP() << whole.out;
+    ASSERT_EQ(whole.status, 0) << whole.out;
+    const std::string rows = test.read("whole/m_probes.csv");
+    for (int kill = 0; kill < 5; ++kill) {
+        std::filesystem::remove_all("cut");
+        const std::string wait = "timeout -s KILL 0." + std::to_string(12 + 7 * kill) + " ";
+        runProgram(options + "-o cut", wait);
+        if (!test.exists("cut/m_checkpoint.nc")) continue;
+        const Outcome resumed = runProgram(options + "-o cut --resume --summary cut.json");
+        ASSERT_EQ(resumed.status, 0) << resumed.out;
+        EXPECT_TRUE(test.read("cut/m_probes.csv") == rows) << "kill " << kill;
+        const auto steady = [&](const char* name) {
+            const std::string text = test.read(name);
+            return text.substr(text.find("\"steady\": {"), 150);
+        };
+        EXPECT_EQ(steady("cut.json"), steady("whole.json"));
+    }
 }
 
 TEST(optionFile, givesARunItsOptionsLineByLine) {
