@@ -4,6 +4,7 @@
 #include "frontends/cli/check_command.h"
 #include "frontends/cli/command_options.h"
 #include "frontends/cli/exit_status.h"
+#include "frontends/cli/option_file.h"
 #include "frontends/cli/run_command.h"
 #include "frontends/cli/show_command.h"
 #include "frontends/cli/spectrum_command.h"
@@ -24,14 +25,16 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace norvane {
 
 namespace {
 
-constexpr const char* spectrumHelp = "Write the velocity spectrum of a geometry into the file NV_spectrum beside it:\n"
-                                     "a row for each random wave vector, with its length and the power found there.";
+constexpr const char* spectrumHelp =
+    "Write the velocity spectrum of a geometry into the file NV_spectrum beside it, or another one:\n"
+    "a row for each random wave vector, with its length and the power found there.";
 
 constexpr const char* checkHelp =
     "Look at geometries as a careful colleague would: texts that do not do what they seem to, cells that cannot,\n"
@@ -66,6 +69,9 @@ Command addSpectrum(CLI::App& app) {
     SpectrumOptions& options = *kept;
     CLI::App* spectrum = app.add_subcommand("spectrum", spectrumHelp);
     addGeometry(spectrum, options.geometry);
+    spectrum->add_option("-o,--output", options.output, "the file, instead of NV_spectrum beside the geometry")
+        ->type_name("FILE")
+        ->check(notEmpty);
     spectrum->add_option("--points", options.points, "frequency points; there is one row more")
         ->capture_default_str()
         ->type_name("N")
@@ -186,9 +192,9 @@ std::string unknownOption(const CLI::App& command, const std::string& given) {
 
 /// What is wrong with the first word of a command line that is neither a command nor an option; empty: nothing. The
 /// parser would rather blame what follows such a word.
-std::string unknownWord(const CLI::App& app, const std::vector<std::string>& words) {
+std::string unknownWord(const CLI::App& app, const std::vector<OptionWord>& words) {
     const CLI::App* command = &app;
-    for (const std::string& word : words) {
+    for (const auto& [word, origin] : words) {
         if (word == "--") break;
         const bool isOption = word.size() > 2 && word.compare(0, 2, "--") == 0;
         std::string fault;
@@ -198,9 +204,21 @@ std::string unknownWord(const CLI::App& app, const std::vector<std::string>& wor
             fault = unknownCommand(app, word);
             if (fault.empty()) command = app.get_subcommand(word);
         }
-        if (!fault.empty()) return fault;
+        if (!fault.empty()) return printableName(origin) + fault;
     }
     return {};
+}
+
+/// The words of the command line; those in the options of a run may come from files. Gives false after a message.
+bool takeWords(int argc, char** argv, std::vector<OptionWord>& words) {
+    const std::vector<std::string> given(argv + std::min(argc, 1), argv + argc);
+    if (given.empty() || given.front() != "run") {
+        for (const std::string& word : given) words.push_back({word, {}});
+        return true;
+    }
+    const std::string fault = withOptionFiles(given, words);
+    if (!fault.empty()) std::cerr << "norvane run: " << printableName(fault) << '\n';
+    return fault.empty();
 }
 
 int runCommandLine(int argc, char** argv) {
@@ -213,13 +231,17 @@ int runCommandLine(int argc, char** argv) {
     const Command commands[] = {addRun(app),  addPlot(app), addExport(app), addSpectrum(app), addCheck(app),
                                 addShow(app), addDiff(app), addVerify(app), addScript(app)};
 
-    const std::string unknown = unknownWord(app, {argv + std::min(argc, 1), argv + argc});
+    std::vector<OptionWord> words;
+    if (!takeWords(argc, argv, words)) return exitBadUse;
+    const std::string unknown = unknownWord(app, words);
     if (!unknown.empty()) {
         std::cerr << unknown << "\nRun with --help for more information.\n";
         return exitBadUse;
     }
     try {
-        app.parse(argc, argv);
+        std::vector<std::string> reversed; // as the parser takes them
+        for (auto word = words.rbegin(); word != words.rend(); ++word) reversed.push_back(word->text);
+        app.parse(std::move(reversed));
     } catch (const CLI::ParseError& end) {
         std::ostringstream fault; // it may hold any argument
         const int status = app.exit(end, std::cout, fault);

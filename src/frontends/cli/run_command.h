@@ -17,6 +17,7 @@ struct RunOptions {
     int plotEvery = 0;                 ///< steps between plots; 0: as the geometry says
     int frameEvery = 0;                ///< steps between pictures; 0: none but those that the geometry asks for
     int threads = 0;                   ///< 0: as suits the grid and the machine
+    bool compensated = false;          ///< keeps what the commit of a step rounds away
     std::string movie;                 ///< file of the film of the pictures; empty: none
     bool force = false;                ///< runs a drawing that a check finds errors in
     bool strict = false;               ///< refuses one that a check has warnings about

@@ -142,7 +142,7 @@ bool reportResult(ConsoleRun& run) {
     }
     for (const std::string& line : resultLines(result)) say(run, line);
     if (run.options.summary.empty()) return true;
-    const FileResult written = writeFile(run.options.summary, resultJson(result));
+    const FileResult written = replaceFile(run.options.summary, resultJson(result));
     if (!written)
         std::fprintf(stderr, "The summary %s can't be written: %s\n", printableName(run.options.summary).c_str(),
                      written.reason.c_str());
