@@ -12,6 +12,7 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace norvane {
 
@@ -40,7 +41,7 @@ void guarded(SimState& sim, const RunEvents& events, std::size_t number, const O
 }
 
 bool isWanted(const SimState& sim, const Output& output) {
-    const std::int32_t every = sim.*output.every;
+    const std::int32_t every = output.every != nullptr ? sim.*output.every : output.steps;
     if (output.needsInterval && every <= 0) return false;
     const bool stops = output.atStop && sim.stopFlag;
     return stops || isDue(sim, every, output.lastOfInterval ? std::int64_t{every} - 1 : 0);
@@ -72,14 +73,25 @@ void runSchedule(SimState& sim, const RunEvents& events, const RunOperations& op
     pollCheckstop(sim, events, operations, run.stopFile);
 }
 
+/// Those that measure the step in hand.
+std::vector<const StageWatch*> watchesOf(const SimState& sim, const RunOperations& operations) {
+    std::vector<const StageWatch*> watches;
+    for (const StageWatch& watch : operations.watches)
+        if (watch.wants(sim)) watches.push_back(&watch);
+    return watches;
+}
+
 void runStep(SimState& sim, const RunEvents& events, const RunOperations& operations, Run& run) {
     events.stepBegan();
     if (sim.stepCount < std::numeric_limits<std::int32_t>::max()) sim.stepCount += 1;
     const auto report = [&](const StageFault& fault) { reportFault(sim, events, fault); };
+    const std::vector<const StageWatch*> watches = watchesOf(sim, operations);
     for (int stage = 1; stage <= 4; ++stage) {
         bringFields(run);
         events.yieldToInterface();
         run.engine.runStage(stage, report);
+        if (!watches.empty()) bringFields(run);
+        for (const StageWatch* const watch : watches) watch->look(sim, stage);
     }
     runSchedule(sim, events, operations, run);
 }
