@@ -205,6 +205,33 @@ FileResult removeFile(const std::string& path) {
     return failed ? FileResult{failed.value(), failed.message()} : FileResult{};
 }
 
+FileResult cutFile(const std::string& path, std::uint64_t length) {
+    FileResult result;
+    const File file = openFile(path, Access::update, result);
+    if (!file) return result;
+    errno = 0;
+    const std::int64_t has = lengthOf(file.get());
+    if (has < 0) return failure(errno);
+    if (static_cast<std::uint64_t>(has) < length)
+        return {EINVAL, "it has " + std::to_string(has) + " bytes, and had " + std::to_string(length)};
+    return cutTo(file.get(), static_cast<std::int64_t>(length)) ? FileResult{} : failure(errno);
+}
+
+FileResult flushFile(const std::string& path) {
+    FileResult result;
+    const File file = openFile(path, Access::update, result);
+    if (!file) return result;
+    errno = 0;
+    return flushToDisc(file.get()) ? FileResult{} : failure(errno);
+}
+
+FileResult roomFor(const std::string& folder, std::uint64_t bytes) {
+    std::error_code unknown;
+    const auto space = std::filesystem::space(folder, unknown);
+    if (!unknown && space.available < bytes) return failure(ENOSPC);
+    return static_cast<std::uint64_t>(fileSizeLimit()) < bytes ? failure(EFBIG) : FileResult{};
+}
+
 std::string programPath(const std::string& calledName) {
     namespace fs = std::filesystem;
     if (fs::path(calledName).has_parent_path()) return absolutePath(calledName);

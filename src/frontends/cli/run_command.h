@@ -1,5 +1,6 @@
 #pragma once
 
+#include "frontends/cli/run_checkpoint.h"
 #include "frontends/cli/run_extra.h"
 #include "shell/program.h"
 
@@ -28,6 +29,7 @@ struct RunOptions {
     std::string stopFile;              ///< empty: checkstop in the working directory
     std::string summary;               ///< file of the result as JSON; empty: none
     std::vector<std::string> regions;  ///< labels of ranges of cells, "radiator=B2:B18"
+    CheckpointOptions checkpoints;
     std::vector<RunExtraMaker> extras; ///< in the order in which they come after a step
 };
 

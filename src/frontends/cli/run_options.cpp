@@ -77,6 +77,7 @@ Command addRun(CLI::App& app) {
     run->add_option("--region", options.regions,
                     "a name for a range of cells, such as radiator=B2:B18; may be repeated")
         ->type_name("NAME=RANGE");
+    addCheckpointOptions(run, options.checkpoints);
     options.extras.push_back(addProbeOptions(run));
     options.extras.push_back(addSteadyOptions(run)); // the last one: it looks at what the others have measured
     run->footer(runStatusHelp);
