@@ -279,6 +279,14 @@ TEST(commandLine, changesTheDrawingInMemoryAndTheNamesOfItsOutputs) {
     EXPECT_EQ(runProgram("run x_out --name x").status, 2) << "the outputs would replace the drawing";
 }
 
+TEST(commandLine, compensatesARunThatAsksForIt) {
+    TestProgram test;
+    test.write("m.gmt", "DT 2.5E-9:NT 9000:UT 0:LA 200:CP 1000\t\nL\t\n.WV 1;1\tTT 301\nL\t");
+    EXPECT_EQ(runProgram("run m.gmt -q -o single").status, 0);
+    EXPECT_EQ(runProgram("run m.gmt -q -o kept --compensated").status, 0);
+    EXPECT_NE(test.read("kept/m_out"), test.read("single/m_out"));
+}
+
 TEST(commandLine, showsAndComparesDrawings) {
     TestProgram test;
     test.write("a.gmt", square(3, "DT 1E-5"));
