@@ -1,6 +1,7 @@
 // The options of "norvane run".
 
 #include "core/sim_state.h"
+#include "frontends/cli/balance_options.h"
 #include "frontends/cli/command_options.h"
 #include "frontends/cli/run_command.h"
 
@@ -70,6 +71,7 @@ Command addRun(CLI::App& app) {
     run->add_option("--region", options.regions,
                     "a name for a range of cells, such as radiator=B2:B18; may be repeated")
         ->type_name("NAME=RANGE");
+    options.extras.push_back(addBalanceOptions(run));
     run->footer(runStatusHelp);
     return {run, [kept] { return runGeometry(*kept); }};
 }
