@@ -14,17 +14,18 @@ namespace norvane {
 
 namespace {
 
-std::filesystem::path freshFolder() {
+std::filesystem::path freshFolder(const std::filesystem::path& parent) {
     std::random_device random; // tests run side by side
     const std::string name = "norvane-test-" + std::to_string(random()) + std::to_string(random());
-    const std::filesystem::path folder = std::filesystem::temp_directory_path() / name;
+    const std::filesystem::path folder = (parent.empty() ? std::filesystem::temp_directory_path() : parent) / name;
     std::filesystem::create_directories(folder);
     return std::filesystem::canonical(folder);
 }
 
 } // namespace
 
-TestProgram::TestProgram() : folder(freshFolder()), formerDirectory_(std::filesystem::current_path()) {
+TestProgram::TestProgram(const std::filesystem::path& parent)
+    : folder(freshFolder(parent)), formerDirectory_(std::filesystem::current_path()) {
     std::filesystem::current_path(folder);
     connectProgram(program);
     ui.showMessage = [this](const Report& report) { messages.push_back(report.text); };

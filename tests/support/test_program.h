@@ -14,7 +14,8 @@ namespace norvane {
 class TestProgram {
 public:
     /// Makes the folder, goes into it (the stop file lies in the working directory) and starts the program there.
-    TestProgram();
+    /// `parent`: where; empty: among the temporary files.
+    explicit TestProgram(const std::filesystem::path& parent = {});
     /// Goes back and removes the folder.
     ~TestProgram();
     TestProgram(const TestProgram&) = delete;

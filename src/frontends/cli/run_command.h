@@ -1,5 +1,6 @@
 #pragma once
 
+#include "frontends/cli/run_checkpoint.h"
 #include "frontends/cli/run_extra.h"
 #include "shell/program.h"
 
@@ -17,6 +18,7 @@ struct RunOptions {
     int plotEvery = 0;                 ///< steps between plots; 0: as the geometry says
     int frameEvery = 0;                ///< steps between pictures; 0: none but those that the geometry asks for
     int threads = 0;                   ///< 0: as suits the grid and the machine
+    bool compensated = false;          ///< keeps what the commit of a step rounds away
     std::string movie;                 ///< file of the film of the pictures; empty: none
     bool force = false;                ///< runs a drawing that a check finds errors in
     bool strict = false;               ///< refuses one that a check has warnings about
@@ -27,6 +29,7 @@ struct RunOptions {
     std::string stopFile;              ///< empty: checkstop in the working directory
     std::string summary;               ///< file of the result as JSON; empty: none
     std::vector<std::string> regions;  ///< labels of ranges of cells, "radiator=B2:B18"
+    CheckpointOptions checkpoints;
     std::vector<RunExtraMaker> extras; ///< in the order in which they come after a step
 };
 

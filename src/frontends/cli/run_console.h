@@ -30,10 +30,12 @@ struct ConsoleRun {
     Checkup checkup;
     RunWatch watch;
     std::int32_t firstStep = 0; ///< step count at the start
+    std::int32_t startStep = 0; ///< the same of the run that this one resumes
     std::vector<NamedRange> labels;
     std::vector<RunExtra> extras;
     bool goesOn = false; ///< from a state that was saved
-    bool begun = false;  ///< each extra has begun
+    RunCheckpoints checkpoints;
+    bool begun = false; ///< each extra has begun
 };
 
 /// Prints a line, unless the run is quiet.

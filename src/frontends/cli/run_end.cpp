@@ -109,7 +109,7 @@ std::vector<std::string> writtenFiles(const ConsoleRun& run) {
     };
     add(sim.outName, true);
     add(sim.baseName + "_log", sim.logEvery > 0);
-    const std::int32_t steps = sim.stepCount - run.firstStep;
+    const std::int32_t steps = sim.stepCount - run.startStep;
     add(sim.baseName + "_state", run.options.save || (sim.saveEvery > 0 && steps >= sim.saveEvery));
     for (const auto& [path, count] : run.bitmaps) files.push_back(nameOf(path));
     if (!run.frames.paths.empty())
@@ -142,7 +142,7 @@ bool reportResult(ConsoleRun& run) {
     }
     for (const std::string& line : resultLines(result)) say(run, line);
     if (run.options.summary.empty()) return true;
-    const FileResult written = writeFile(run.options.summary, resultJson(result));
+    const FileResult written = replaceFile(run.options.summary, resultJson(result));
     if (!written)
         std::fprintf(stderr, "The summary %s can't be written: %s\n", printableName(run.options.summary).c_str(),
                      written.reason.c_str());
