@@ -1,6 +1,7 @@
 // The options of "norvane run".
 
 #include "core/sim_state.h"
+#include "frontends/cli/balance_options.h"
 #include "frontends/cli/command_options.h"
 #include "frontends/cli/probe_options.h"
 #include "frontends/cli/run_command.h"
@@ -79,6 +80,7 @@ Command addRun(CLI::App& app) {
         ->type_name("NAME=RANGE");
     addCheckpointOptions(run, options.checkpoints);
     options.extras.push_back(addProbeOptions(run));
+    options.extras.push_back(addBalanceOptions(run));
     options.extras.push_back(addSteadyOptions(run)); // the last one: it looks at what the others have measured
     run->footer(runStatusHelp);
     return {run, [kept] { return runGeometry(*kept); }};
