@@ -302,6 +302,205 @@ Restored restore(ConsoleRun& run, SimState& sim) {
     if (!otherModel.empty()) return refuse(otherModel);
     const std::string fault = readCheckpointFields(sourceOf(run), sim);
     if (!fault.empty()) return refuse(fault + ". " + otherWays(run.checkpoints, run.options.checkpoints.older));
+    sim.stepCount = from.step;
+    sim.stopStep = from.stopStep;
+    run.startStep = from.firstStep;
+    takeTime(run);
+    if (sim.stopStep >= 0 && sim.stopStep < from.step + (from.afterOutputs ? 1 : 0))
+        return refuse("--time counts from the start of the run, and that is already at step "
+                      + std::to_string(from.step));
+    sim.spectrumRandom.state, settingsOf(run), positionsOf(run, sim)
+};
+}
+
+/// What the checkpoint says of the other files must hold after a power cut, too.
+void flushFiles(const ConsoleRun& run, const SimState& sim) {
+    const auto flush = [](const std::string& path) {
+        if (stampOf(path).exists) flushFile(path); // its own writes tell of faults
+    };
+    if (sim.logEvery > 0) flush(logPath(sim));
+    for (const RunExtra& extra : run.extras)
+        for (const std::string& ending : extra.endings)
+            if (extra.name != extraName) flush(joinPath(sim.inputDir, sim.baseName + ending));
+}
+
+std::string writeAndPublish(ConsoleRun& run, bool afterOutputs) {
+    RunCheckpoints& checkpoints = run.checkpoints;
+    SimState& sim = simOf(run);
+    const BadValue bad = firstBadValue(sim);
+    if (bad.cell != 0) return "the fields hold a " + std::string(bad.quantity) + " that no gas has";
+    const std::string fault = writeCheckpoint(checkpoints.fresh, sim, checkpointOf(run, afterOutputs));
+    if (!fault.empty()) return fault;
+    flushFiles(run, sim);
+    const FileResult published =
+        publishFile(checkpoints.fresh, checkpoints.path, checkpoints.keepsOlder ? checkpoints.older : "");
+    if (!published) return published.reason;
+    if (std::exchange(checkpoints.removesOlder, false)) removeFile(checkpoints.older);
+    checkpoints.keepsOlder = true;
+    checkpoints.latest = sim.stepCount;
+    checkpoints.count += 1;
+    return {};
+}
+
+/// The next checkpoint is written whatever becomes of this one. The same fault is told once.
+void store(ConsoleRun& run, bool afterOutputs) {
+    RunCheckpoints& checkpoints = run.checkpoints;
+    const std::string fault = writeAndPublish(run, afterOutputs);
+    checkpoints.lastTime = Clock::now();
+    if (!fault.empty()) checkpoints.failures += 1;
+    if (!fault.empty() && fault != checkpoints.fault)
+        complain(run, "No checkpoint of step " + std::to_string(simOf(run).stepCount) + " in "
+                          + nameOf(checkpoints.path) + ": " + fault + ".\nThe run goes on"
+                          + (checkpoints.latest < 0
+                                 ? "."
+                                 : "; the checkpoint of step " + std::to_string(checkpoints.latest) + " stays."));
+    checkpoints.fault = fault;
+}
+
+void beforeOutputs(ConsoleRun& run) {
+    RunCheckpoints& checkpoints = run.checkpoints;
+    const SimState& sim = simOf(run);
+    checkpoints.inOutputs = true;
+    const bool isAsked = takeCheckpointSignal();
+    const bool isDue =
+        (checkpoints.steps > 0 && sim.stepCount % checkpoints.steps == 0) || sim.stopFlag || isAsked
+        || (checkpoints.seconds > 0
+            && Clock::now() - checkpoints.lastTime >= std::chrono::duration<double>(checkpoints.seconds));
+    if (isDue && !sim.outcome.negativeDensity && sim.stepCount != checkpoints.latest) store(run, false);
+    if (isAsked && sim.stepCount == checkpoints.latest) {
+        run.progress.wipe();
+        say(run, "Checkpoint of step " + std::to_string(sim.stepCount) + " in " + nameOf(checkpoints.path) + ".");
+    }
+}
+
+bool finishCheckpoints(ConsoleRun& run) {
+    RunCheckpoints& checkpoints = run.checkpoints;
+    const SimState& sim = simOf(run);
+    if (checkpoints.steps == 0 && checkpoints.seconds == 0) return true;
+    // The stop file is read after the outputs of a step.
+    if (sim.outcome.stopFile && !sim.outcome.negativeDensity && checkpoints.latest != sim.stepCount) store(run, true);
+    if (!sim.outcome.reachedStopStep && checkpoints.latest == sim.stepCount)
+        say(run, "The same command with --resume goes on from step " + std::to_string(sim.stepCount) + ".");
+    if (checkpoints.failures > 1)
+        complain(run, std::to_string(checkpoints.failures) + " checkpoints in all could not be written.");
+    return checkpoints.failures == 0;
+}
+
+// --- going on
+// ---------------------------------------------------------------------------------------------------------
+
+/// What else there is, when a checkpoint can't be taken.
+std::string otherWays(const RunCheckpoints& checkpoints, bool tookOlder) {
+    const std::string afresh = "Start the run afresh, without --resume.";
+    if (tookOlder || !stampOf(checkpoints.older).exists) return afresh;
+    Checkpoint older;
+    const std::string fault = readCheckpoint(checkpoints.older, older);
+    if (!fault.empty())
+        return "The one before it, " + nameOf(checkpoints.older) + ", is of no use either: " + fault + ".\n" + afresh;
+    return "The one before it, " + nameOf(checkpoints.older) + ", is of step " + std::to_string(older.step)
+           + ": --resume-older in place of --resume goes on from there.";
+}
+
+/// The file that the run goes on from.
+const std::string& sourceOf(const ConsoleRun& run) {
+    return run.options.checkpoints.older ? run.checkpoints.older : run.checkpoints.path;
+}
+
+ExitStatus readSource(ConsoleRun& run) {
+    RunCheckpoints& checkpoints = run.checkpoints;
+    const std::string& source = sourceOf(run);
+    const std::string name = nameOf(source);
+    const bool exists = stampOf(source).exists;
+    const std::string fault = readCheckpoint(source, checkpoints.from);
+    const std::string other = fault.empty() ? "" : otherWays(checkpoints, run.options.checkpoints.older);
+    if (!fault.empty() && !exists) {
+        complain(run, "There is no checkpoint " + name + " in " + folderOf(source)
+                          + ".\n--checkpoint-every writes one; "
+                          + "the run that goes on needs the geometry, -o and --name of the run before.\n" + other);
+        return exitFileFault;
+    }
+    if (!fault.empty()) {
+        complain(run, "The checkpoint " + name + " can't be taken: " + fault + ".\n" + other);
+        return exitFileFault;
+    }
+    if (checkpoints.from.table != tableFingerprint(simOf(run))) {
+        complain(run, "The checkpoint " + name
+                          + " is of another drawing, or of other changes by --set.\n"
+                            "Go on with the drawing as it was then, or start the run afresh, without --resume.");
+        return exitFileFault;
+    }
+    return exitDone;
+}
+
+/// The files of a run would be of two kinds.
+bool fitsSettings(ConsoleRun& run) {
+    const std::vector<NamedText> settings = settingsOf(run);
+    const NamedText* const missing = settingBeyond(run.checkpoints.from.settings, settings);
+    const NamedText* const added = settingBeyond(settings, run.checkpoints.from.settings);
+    if (missing != nullptr)
+        complain(run,
+                 "The run was started with " + settingText(*missing) + "; a run that goes on needs the same options.");
+    else if (added != nullptr)
+        complain(run,
+                 "The run was started without " + settingText(*added) + "; a run that goes on needs the same options.");
+    return missing == nullptr && added == nullptr;
+}
+
+const NamedText* positionOf(const Checkpoint& checkpoint, const std::string& name) {
+    for (const NamedText& position : checkpoint.positions)
+        if (position.name == name) return &position;
+    return nullptr;
+}
+
+/// A log that is shorter is no reason to lose the run.
+void cutLog(ConsoleRun& run) {
+    const SimState& sim = simOf(run);
+    const NamedText* const position = positionOf(run.checkpoints.from, logPosition);
+    if (sim.logEvery <= 0 || position == nullptr) return;
+    const std::uint64_t length = std::strtoull(position->text.c_str(), nullptr, 10);
+    if (length == 0 && !stampOf(logPath(sim)).exists) return;
+    const FileResult cut = cutFile(logPath(sim), length);
+    if (!cut)
+        complain(run, nameOf(logPath(sim)) + " is not as the run left it: " + cut.reason
+                          + ".\nThe run goes on, and its lines come after what is there.");
+}
+
+bool goOnWithExtras(ConsoleRun& run) {
+    const RunContext context = contextOf(run);
+    for (const RunExtra& extra : run.extras) {
+        const NamedText* const position = positionOf(run.checkpoints.from, extra.name);
+        std::string fault;
+        if (extra.goOn && position != nullptr)
+            fault = extra.goOn(context, position->text);
+        else if (extra.begin)
+            extra.begin(context);
+        if (fault.empty()) continue;
+        complain(run, extra.name + " can't go on: " + fault);
+        return false;
+    }
+    return true;
+}
+
+/// Why what was built is not the model of the checkpoint; empty: it is.
+std::string faultOfModel(const SimState& sim, const Checkpoint& from) {
+    if (radiationFingerprint(sim) != from.radiation)
+        return "the view factors " + sim.baseName + "_rad are not those of the run. Put them back";
+    if (modelFingerprint(sim) != from.model)
+        return "this program makes other numbers of the same drawing. Go on with the one that wrote it, "
+               + from.program;
+    return {};
+}
+
+Restored restore(ConsoleRun& run, SimState& sim) {
+    const Checkpoint& from = run.checkpoints.from;
+    const auto refuse = [&](const std::string& fault) {
+        complain(run, "The checkpoint " + nameOf(sourceOf(run)) + " can't be taken: " + fault + ".");
+        return Restored::failed;
+    };
+    const std::string otherModel = faultOfModel(sim, from);
+    if (!otherModel.empty()) return refuse(otherModel);
+    const std::string fault = readCheckpointFields(sourceOf(run), sim);
+    if (!fault.empty()) return refuse(fault + ". " + otherWays(run.checkpoints, run.options.checkpoints.older));
     const double time = run.options.time;
     if (time > 0 && from.firstStep + std::ceil(time / double(sim.dt) - 1e-6) < from.step + (from.afterOutputs ? 1 : 0))
         return refuse("--time counts from the start of the run, and that is already at step "
@@ -310,7 +509,6 @@ Restored restore(ConsoleRun& run, SimState& sim) {
     sim.stopStep = from.stopStep;
     sim.spectrumRandom.state = from.random;
     sim.revision += 1;
-    run.startStep = from.firstStep;
     cutLog(run);
     findFrames(run.frames, run.options.frameEvery, from.firstStep, from.step + (from.afterOutputs ? 1 : 0));
     if (!goOnWithExtras(run)) return Restored::failed;
