@@ -1,6 +1,7 @@
 #include "check/listing.h"
 
 #include "core/number_text.h"
+#include "exchange/cell_table.h"
 #include "geometry/grid_file.h"
 #include "geometry/model_build.h"
 #include "platform/files.h"
@@ -162,14 +163,8 @@ std::vector<ListedValue> listSettings(const TracedModel& model) {
 }
 
 std::string fieldTable(const SimState& sim, const Key& key, int component) {
-    std::string table;
-    const std::int64_t layer = std::int64_t{sim.gridCols} * (sim.layerRows - 1);
-    for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
-        table += valueText(valueOf(sim, key, cell, component));
-        table += cell % sim.gridCols == 0 ? '\n' : '\t';
-        if (cell % layer == 0 && cell < sim.nCells) table += '\n';
-    }
-    return table;
+    return inShapeOfDrawing(sim, LayerMarks::emptyLines,
+                            [&](std::int32_t cell) { return valueText(valueOf(sim, key, cell, component)); });
 }
 
 std::vector<Difference> differences(const SimState& before, const SimState& after) {

@@ -2,6 +2,7 @@
 
 #include "core/accumulate.h"
 #include "core/addressing.h"
+#include "core/remainders.h"
 #include "core/source_terms.h"
 
 #include <cmath>
@@ -209,6 +210,7 @@ void updatePressure(SimState& sim, std::int32_t cell) {
 template <class Slots>
 struct SlotValues {
     Slots& slots;
+    float* remainder; ///< null where none is kept
     std::int64_t first;
     std::int64_t second;
 
@@ -220,49 +222,59 @@ struct SlotValues {
     }
 };
 
-/// (S2)
+/// (S2), (S4)
 template <class Slots>
 void formTrial(SlotValues<Slots> q, int stage, double h) {
-    q.at(workSlot) = static_cast<float>(double(q.at(committedSlot)) + h * double(q.at(stage - 1)));
+    const double increment = h * double(q.at(stage - 1));
+    if (q.remainder == nullptr)
+        q.at(workSlot) = static_cast<float>(double(q.at(committedSlot)) + increment);
+    else
+        q.at(workSlot) = static_cast<float>(double(q.at(committedSlot)) + double(*q.remainder) + increment);
 }
 
-/// (S3)
+/// (S3), (S5)
 template <class Slots>
 void completeStep(SlotValues<Slots> q, double dt) {
     const double k1 = q.at(1);
     const double k2 = q.at(2);
     const double k3 = q.at(3);
     const double k4 = q.at(4);
-    q.at(workSlot) = static_cast<float>(double(q.at(committedSlot)) + ((2 * k2 + k1) + 2 * k3 + k4) * dt / 6);
+    const double increment = ((2 * k2 + k1) + 2 * k3 + k4) * dt / 6;
+    if (q.remainder == nullptr) {
+        q.at(workSlot) = static_cast<float>(double(q.at(committedSlot)) + increment);
+    } else {
+        const double sum = double(q.at(committedSlot)) + double(*q.remainder) + increment;
+        q.at(workSlot) = static_cast<float>(sum);
+        *q.remainder = static_cast<float>(sum - double(q.at(workSlot)));
+    }
+}
+
+/// Calls `work(q, isIntegrated)` for every quantity of a cell, with whether the wall codes leave it to be integrated.
+template <class Work>
+void forQuantities(SimState& sim, std::int32_t cell, const Work& work) {
+    const auto in = [&](CellTable<float>& remainders, int component) {
+        return hasRemainders(sim) ? &remainders(cell, component) : nullptr;
+    };
+    for (int species = 0; species <= sim.nsMax; ++species)
+        work(SlotValues<SpeciesSlots>{sim.stageSpecies, in(sim.speciesRemainder, species), species, cell},
+             sim.wallPressure[cell] == 0);
+    work(SlotValues<EnergySlots>{sim.stageEnergy, in(sim.energyRemainder, 0), cell, 0}, sim.wallTemperature[cell] == 0);
+    for (int dim = 1; dim <= sim.nDim; ++dim)
+        work(SlotValues<MomentumSlots>{sim.stageMomentum, in(sim.momentumRemainder, dim), cell, dim},
+             sim.wallVelocity(cell, dim) == 0);
 }
 
 template <class Slots>
-void commit(SlotValues<Slots> q) {
+void completeStep(SlotValues<Slots> q, bool isIntegrated, double dt) {
+    if (isIntegrated)
+        completeStep(q, dt);
+    else if (q.remainder != nullptr)
+        *q.remainder = 0;
     q.at(committedSlot) = q.at(workSlot);
 }
 
-/// Calls `work` for every quantity of a cell that the wall codes leave to be integrated.
-template <class Work>
-void forIntegrated(SimState& sim, std::int32_t cell, const Work& work) {
-    if (sim.wallPressure[cell] == 0)
-        for (int species = 0; species <= sim.nsMax; ++species)
-            work(SlotValues<SpeciesSlots>{sim.stageSpecies, species, cell});
-    if (sim.wallTemperature[cell] == 0) work(SlotValues<EnergySlots>{sim.stageEnergy, cell, 0});
-    for (int dim = 1; dim <= sim.nDim; ++dim)
-        if (sim.wallVelocity(cell, dim) == 0) work(SlotValues<MomentumSlots>{sim.stageMomentum, cell, dim});
-}
-
-/// Calls `work` for every quantity of a cell.
-template <class Work>
-void forAll(SimState& sim, std::int32_t cell, const Work& work) {
-    for (int species = 0; species <= sim.nsMax; ++species)
-        work(SlotValues<SpeciesSlots>{sim.stageSpecies, species, cell});
-    work(SlotValues<EnergySlots>{sim.stageEnergy, cell, 0});
-    for (int dim = 1; dim <= sim.nDim; ++dim) work(SlotValues<MomentumSlots>{sim.stageMomentum, cell, dim});
-}
-
 void clearSlopes(SimState& sim, int stage, std::int32_t cell) {
-    forAll(sim, cell, [&](auto q) { q.at(stage) = 0; });
+    forQuantities(sim, cell, [&](auto q, bool) { q.at(stage) = 0; });
 }
 
 } // namespace
@@ -282,12 +294,12 @@ void formWorkState(SimState& sim, int stage) {
     const double dt = sim.dt;
     const double h = stage == 4 ? dt : dt * 0.5;
     for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
-        if (stage == 1) {
-            forIntegrated(sim, cell, [&](auto q) { completeStep(q, dt); });
-            forAll(sim, cell, [&](auto q) { commit(q); });
-        } else {
-            forIntegrated(sim, cell, [&](auto q) { formTrial(q, stage, h); });
-        }
+        forQuantities(sim, cell, [&](auto q, bool isIntegrated) {
+            if (stage == 1)
+                completeStep(q, isIntegrated, dt);
+            else if (isIntegrated)
+                formTrial(q, stage, h);
+        });
     }
 }
 

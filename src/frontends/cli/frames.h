@@ -20,6 +20,9 @@ struct Frames {
 /// Draws the plot of this moment and writes it as the next frame.
 void takeFrame(Frames& frames, SimState& sim, Interface& ui);
 
+/// Takes the frames that an earlier part of the run has left, of the steps after `first` and before `step`.
+void findFrames(Frames& frames, std::int32_t every, std::int32_t first, std::int32_t step);
+
 /// Whether makeMovie finds the program that it needs.
 bool canMakeMovies();
 

@@ -6,68 +6,24 @@
 #include "drawing/image_surface.h"
 #include "exchange/state_file.h"
 #include "exchange/view_factors.h"
-#include "frontends/cli/console.h"
-#include "frontends/cli/frames.h"
-#include "frontends/cli/progress.h"
+#include "frontends/cli/run_console.h"
 #include "frontends/cli/run_report.h"
 #include "frontends/cli/run_setup.h"
 #include "frontends/cli/stop_signals.h"
-#include "platform/claim.h"
 #include "platform/files.h"
 #include "platform/terminal_text.h"
 
-#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
-#include <map>
 #include <new>
-
-#ifdef _WIN32
-#    include <io.h>
-#else
-#    include <unistd.h>
-#endif
 
 namespace norvane {
 
 namespace {
 
-bool writesToTerminal() {
-#ifdef _WIN32
-    return ::_isatty(1) != 0;
-#else
-    return ::isatty(1) != 0;
-#endif
-}
-
 /// " (process 123)", or nothing where its number is not known.
 std::string processText(int number) { return number > 0 ? " (process " + std::to_string(number) + ")" : ""; }
-
-struct ConsoleRun {
-    explicit ConsoleRun(const RunOptions& runOptions)
-        : options(runOptions), progress(runOptions.quiet, writesToTerminal()) {}
-
-    Console console;
-    RunOptions options;
-    Progress progress;
-    Frames frames;
-    bool ran = false;
-    bool printed = true;                ///< all that was to be printed
-    std::map<std::string, int> bitmaps; ///< names of the snapshots of key FT, with how many were written under each
-    Claim files;                        ///< of this model
-    Claim folder;                       ///< the working directory, for the stop file
-    Checkup checkup;
-    RunWatch watch;
-    std::int32_t firstStep = 0; ///< step count at the start
-};
-
-void say(ConsoleRun& run, const std::string& line) {
-    if (run.options.quiet) return;
-    errno = 0;
-    const bool printed = std::printf("%s\n", printableName(line).c_str()) >= 0 && std::fflush(stdout) == 0;
-    if (!printed && errno != EPIPE) run.printed = false; // a reader who leaves has read enough
-}
 
 /// The build has read the keys: what the command line names takes their place.
 void beginRun(ConsoleRun& run) {
@@ -75,18 +31,24 @@ void beginRun(ConsoleRun& run) {
     run.ran = true;
     run.watch = {};
     run.firstStep = sim.stepCount;
+    if (!run.checkpoints.isResumed) run.startStep = sim.stepCount;
     if (run.options.plotEvery > 0) sim.updateEvery = run.options.plotEvery;
     if (run.options.frameEvery > 0) sim.frameEvery = run.options.frameEvery;
     if (run.options.time > 0 && sim.dt > 0)
-        sim.stopStep = toInt32(sim.stepCount + std::ceil(run.options.time / double(sim.dt) - 1e-6));
+        sim.stopStep = toInt32(run.startStep + std::ceil(run.options.time / double(sim.dt) - 1e-6));
     run.progress.begin(sim);
     const std::int64_t steps = std::int64_t{sim.stopStep} - sim.stepCount;
     const std::string size = " of " + generalText(sim.dt) + " s";
-    const std::string length = sim.stopStep < 0 ? "steps" + size + " until it is stopped"
-                               : steps <= 1     ? "1 step" + size
-                                                : std::to_string(steps) + " steps" + size;
+    const std::string length = sim.stopStep < 0                          ? "steps" + size + " until it is stopped"
+                               : steps == 0 && run.checkpoints.isResumed ? "no step left"
+                               : steps <= 1                              ? "1 step" + size
+                                                                         : std::to_string(steps) + " steps" + size;
     const std::string start = sim.stepCount > 0 ? " from step " + std::to_string(sim.stepCount) : "";
     say(run, sim.fileName + ": " + describedGrid(sim) + ", " + length + start);
+    const RunContext context = contextOf(run);
+    for (const RunExtra& extra : run.extras)
+        if (extra.begin && !run.checkpoints.isResumed) extra.begin(context); // else they went on with the fields
+    run.begun = true;
 }
 
 /// A snapshot is drawn on an image that exists for it alone: the plots in between cost no drawing.
@@ -113,11 +75,14 @@ void connectRun(ConsoleRun& run) {
     connectConsole(run.console);
     Program& program = run.console.program;
     run.console.beforeMessage = [&run] { run.progress.wipe(); };
-    program.ui.yieldToInterface = [&program] {
-        if (isStopSignalled()) program.sim.stopFlag = true;
+    program.ui.yieldToInterface = [&run] {
+        if (isStopSignalled() && !run.checkpoints.inOutputs) run.console.program.sim.stopFlag = true;
     };
     program.ui.runBegan = [&run] { beginRun(run); };
-    program.ui.stepBegan = [&run] { run.progress.step(run.console.program.sim); };
+    program.ui.stepBegan = [&run] {
+        run.checkpoints.inOutputs = false;
+        run.progress.step(run.console.program.sim);
+    };
     program.operations.output("snapshot").write = [&run](SimState& sim) {
         Interface& ui = run.console.program.ui;
         if (run.options.frameEvery > 0)
@@ -149,128 +114,6 @@ bool claimFiles(ConsoleRun& run) {
     return true;
 }
 
-bool saveAtEnd(ConsoleRun& run) {
-    Program& program = run.console.program;
-    if (program.sim.outcome.negativeDensity || run.watch.bad.cell != 0) {
-        std::fprintf(stderr, "The state is not saved: it holds %s.\n",
-                     program.sim.outcome.negativeDensity ? "negative density" : "values that no gas has");
-        return true;
-    }
-    const bool saved = saveState(program.sim, program.ui);
-    if (saved) say(run, "The state is saved in " + program.sim.baseName + "_state.");
-    return saved;
-}
-
-bool makeMovieAtEnd(ConsoleRun& run) {
-    const std::string fault = makeMovie(run.frames, run.options.movie);
-    if (fault.empty()) {
-        say(run, "The film " + run.options.movie + " has " + std::to_string(run.frames.paths.size()) + " pictures.");
-        return true;
-    }
-    const std::string rest = run.frames.paths.empty() ? "" : " The pictures " + run.frames.prefix + "*.png stay.";
-    std::fprintf(stderr, "No film %s: %s.%s\n", printableName(run.options.movie).c_str(), fault.c_str(),
-                 printableName(rest).c_str());
-    return false;
-}
-
-/// The stamp in the name of a snapshot counts seconds.
-void reportReplacedBitmaps(const ConsoleRun& run) {
-    int replaced = 0;
-    for (const auto& [path, count] : run.bitmaps) replaced += count - 1;
-    if (replaced > 0)
-        std::fprintf(stderr,
-                     "%d of the snapshots of key FT were replaced by one of the same second.\n"
-                     "--snapshots N numbers its pictures by their steps instead.\n",
-                     replaced);
-}
-
-void reportEnd(ConsoleRun& run) {
-    const SimState& sim = run.console.program.sim;
-    const RunOutcome& outcome = sim.outcome;
-    run.progress.wipe();
-    closeSeries(run.console);
-    reportReplacedBitmaps(run);
-    if (run.frames.missing > 1) std::fprintf(stderr, "%d pictures in all could not be written.\n", run.frames.missing);
-    const std::string end =
-        "Step " + std::to_string(sim.stepCount) + " after " + spanText(run.progress.seconds()) + ": ";
-    const BadValue& bad = run.watch.bad;
-    if (outcome.negativeDensity || bad.cell != 0) {
-        const std::string cause = outcome.negativeDensity
-                                      ? "the run ended by negative density."
-                                      : "the run ended, since the " + std::string(bad.quantity) + " of cell "
-                                            + addressOf(sim, bad.cell) + " (point " + std::to_string(bad.cell) + ") is "
-                                            + generalText(static_cast<float>(bad.value)) + ".";
-        const std::string hint = run.options.geometry.empty()
-                                     ? " Try a smaller time step DT."
-                                     : "\n" + failureHint(run.options.geometry, run.checkup, run.watch);
-        std::fprintf(stderr, "%s%s%s\n", end.c_str(), cause.c_str(), hint.c_str());
-        return;
-    }
-    say(run, end
-                 + (outcome.reachedStopStep ? "the run reached its stop step."
-                    : outcome.stopFile      ? "the run was stopped by the file checkstop."
-                                            : "the run was stopped by a signal."));
-}
-
-/// The files of the model that are there, the log and the state only where this run wrote them.
-std::vector<std::string> writtenFiles(const ConsoleRun& run) {
-    const SimState& sim = run.console.program.sim;
-    std::vector<std::string> files;
-    const auto add = [&](const std::string& name, bool isWritten) {
-        if (isWritten && stampOf(joinPath(sim.inputDir, name)).exists) files.push_back(name);
-    };
-    add(sim.outName, true);
-    add(sim.baseName + "_log", sim.logEvery > 0);
-    const std::int32_t steps = sim.stepCount - run.firstStep;
-    add(sim.baseName + "_state", run.options.save || (sim.saveEvery > 0 && steps >= sim.saveEvery));
-    for (const auto& [path, count] : run.bitmaps) files.push_back(nameOf(path));
-    if (!run.frames.paths.empty())
-        files.push_back(std::to_string(run.frames.paths.size()) + " pictures " + nameOf(run.frames.prefix) + "*.png");
-    return files;
-}
-
-const char* endName(const ConsoleRun& run) {
-    const RunOutcome& outcome = run.console.program.sim.outcome;
-    if (outcome.negativeDensity) return "negativeDensity";
-    if (run.watch.bad.cell != 0) return "badValue";
-    if (outcome.reachedStopStep) return "stopStep";
-    return outcome.stopFile ? "stopFile" : "signal";
-}
-
-/// The table at the end, and the summary; false: the summary can't be written.
-bool reportResult(ConsoleRun& run) {
-    const SimState& sim = run.console.program.sim;
-    const RunResult result{
-        sim,          run.watch,        run.progress.seconds(), std::int64_t{sim.stepCount} - run.firstStep,
-        endName(run), writtenFiles(run)};
-    for (const std::string& line : resultLines(result)) say(run, line);
-    if (run.options.summary.empty()) return true;
-    const FileResult written = replaceFile(run.options.summary, resultJson(result));
-    if (!written)
-        std::fprintf(stderr, "The summary %s can't be written: %s\n", printableName(run.options.summary).c_str(),
-                     written.reason.c_str());
-    return static_cast<bool>(written);
-}
-
-/// Ends a run in order, and gives the status that says how it went.
-int finish(ConsoleRun& run) {
-    reportEnd(run);
-    bool written = true;
-    if (run.options.save) written = saveAtEnd(run) && written;
-    if (!run.options.movie.empty()) written = makeMovieAtEnd(run) && written;
-    if (!run.options.geometry.empty())
-        written = reportResult(run) && written; // a batch start prints no more than it did
-    const SimState& sim = run.console.program.sim;
-    if (sim.outcome.negativeDensity || run.watch.bad.cell != 0) return exitEndedByModel;
-    const ReportedFaults& reported = sim.reported;
-    // Not the stop file: the results are whole without it.
-    const bool missesOutput =
-        reported.log || reported.plotFile || reported.snapshot || reported.state || reported.memory != 0;
-    if (!run.printed) std::fprintf(stderr, "norvane: not all could be printed\n");
-    if (missesOutput || !written || run.frames.missing > 0 || !run.printed) return exitFileFault;
-    return sim.outcome.reachedStopStep ? exitDone : exitStoppedEarly;
-}
-
 /// Looks at the drawing, and prints the first findings. Gives false where it is not to be run.
 bool isWorthARun(ConsoleRun& run) {
     Program& program = run.console.program;
@@ -296,6 +139,45 @@ bool isWorthARun(ConsoleRun& run) {
     return false;
 }
 
+/// Makes the extras and lets them look at the options; they come after all outputs that keys ask for. Gives false,
+/// after a message, where something is wrong with the options.
+bool prepareExtras(ConsoleRun& run) {
+    const auto refuse = [](const std::string& option, const std::string& fault) {
+        std::fprintf(stderr, "%s: %s\n", printableName(option).c_str(), printableName(fault).c_str());
+        return false;
+    };
+    for (const std::string& text : run.options.regions) {
+        NamedRange named;
+        std::vector<std::int32_t> cells;
+        std::string fault = parseNamedRange(text, named);
+        if (fault.empty()) fault = cellsOfRange(run.console.program.sim, named.range, {}, cells);
+        if (!fault.empty()) return refuse("--region " + text, fault);
+        run.labels.push_back(named);
+    }
+    for (const RunExtraMaker& make : run.options.extras)
+        if (std::optional<RunExtra> extra = make()) run.extras.push_back(std::move(*extra));
+    const RunContext context = contextOf(run);
+    for (const RunExtra& extra : run.extras) {
+        const std::string fault = extra.prepare ? extra.prepare(context) : "";
+        if (!fault.empty()) return refuse(extra.name, fault);
+    }
+    return true;
+}
+
+/// Their places in the schedule, after all outputs that keys ask for.
+void connectExtras(ConsoleRun& run) {
+    RunOperations& operations = run.console.program.operations;
+    for (const RunExtra& extra : run.extras) {
+        if (extra.write)
+            operations.outputs.push_back({.name = extra.name.c_str(),
+                                          .steps = extra.steps,
+                                          .lastOfInterval = true,
+                                          .atStop = true,
+                                          .write = [&run, &extra](SimState&) { extra.write(contextOf(run)); }});
+        if (extra.watch.wants) operations.watches.push_back(extra.watch);
+    }
+}
+
 } // namespace
 
 int runGeometry(const RunOptions& options) {
@@ -307,6 +189,7 @@ int runGeometry(const RunOptions& options) {
     connectRun(run);
     Program& program = run.console.program;
     program.sim.threads = options.threads;
+    program.sim.compensated = options.compensated;
     const ExitStatus loaded = loadFor(run.console, options.geometry);
     if (loaded != exitDone) return loaded;
     if (!takeChanges(options, program.sim)) return exitBadUse;
@@ -316,8 +199,14 @@ int runGeometry(const RunOptions& options) {
     if (options.radiation) importViewFactors(program.sim, program.ui);
     if (options.radiation && !program.sim.radActive) return exitFileFault; // reported by a message
     if (!takeNames(options, program.sim)) return exitBadUse;
+    run.goesOn = options.recall;
+    if (!takeCheckpointOptions(run)) return exitBadUse;
+    if (!prepareExtras(run) || !takeEndings(options, program.sim, run.extras)) return exitBadUse;
+    connectExtras(run);
     if (!claimFiles(run)) return exitFileFault;
     run.frames.prefix = absolutePath(program.sim.inputDir + "/" + program.sim.baseName + "_");
+    const ExitStatus connected = connectCheckpoints(run);
+    if (connected != exitDone) return connected;
     catchStopSignals();
     if (options.recall) {
         if (!recallState(program.sim, program.ui)) return exitFileFault;
@@ -325,6 +214,7 @@ int runGeometry(const RunOptions& options) {
     } else {
         runSimulation(program.sim, program.ui, program.operations);
     }
+    if (run.checkpoints.isResumed && !run.ran) return exitFileFault; // reported by a message
     return finish(run);
 }
 

@@ -75,6 +75,7 @@ std::vector<std::string> resultLines(const RunResult& result) {
         lines.push_back("  DT: at most " + number(result.watch.largestFraction) + " of the largest stable step ("
                         + addressOf(result.sim, result.watch.limitingCell) + ")");
     lines.push_back("  Rate: " + number(rateOf(result) / 1e6) + " million cells x steps/s");
+    for (const std::string& line : result.lines) lines.push_back("  " + line);
     if (!result.files.empty()) lines.push_back("  Files: " + joined(result.files, ", "));
     return lines;
 }
@@ -92,6 +93,8 @@ std::string resultJson(const RunResult& result) {
                 + jsonString(addressOf(result.sim, extremes.lowCell)) + ", \"high\": " + jsonNumber(extremes.high)
                 + ", \"highCell\": " + jsonString(addressOf(result.sim, extremes.highCell)) + "}";
     }
+    for (const std::string& member : result.members)
+        if (!member.empty()) json += ",\n  " + member;
     json += ",\n  \"files\": [";
     for (const std::string& file : result.files) json += (&file == result.files.data() ? "" : ", ") + jsonString(file);
     return json + "]\n}\n";

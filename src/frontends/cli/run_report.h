@@ -22,10 +22,13 @@ std::string failureHint(const std::string& geometry, const Checkup& checkup, con
 struct RunResult {
     const SimState& sim;
     const RunWatch& watch;
-    double seconds;                 ///< of the wall clock
-    std::int64_t steps;             ///< of this run
-    std::string end;                ///< "stopStep", "negativeDensity", "badValue", "stopFile", "signal"
-    std::vector<std::string> files; ///< written, by their names
+    double seconds;                     ///< of the wall clock
+    std::int64_t steps;                 ///< of this run
+    std::string end;                    ///< "stopStep", "negativeDensity", "badValue", "steady", "stopFile",
+                                        ///< "signal"
+    std::vector<std::string> files;     ///< written, by their names
+    std::vector<std::string> lines{};   ///< of extras, for the table
+    std::vector<std::string> members{}; ///< of extras, for the JSON object
 };
 
 /// The table of extremes, rate and files, a line each.

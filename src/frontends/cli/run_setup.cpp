@@ -32,6 +32,16 @@ bool isSummary(const std::string& beginning) {
     return beginning.empty() || beginning.substr(0, 15) == "{\n  \"geometry\":";
 }
 
+/// Whether an output of the run has a name of its own. Gives false after a message.
+bool isFree(const RunOptions& options, const SimState& sim, const std::string& ending) {
+    const std::string output = joinPath(sim.inputDir, sim.baseName + ending);
+    if (wouldOverwrite(options.geometry, output)) return false;
+    if (options.summary.empty() || absolutePath(options.summary) != absolutePath(output)) return true;
+    std::fprintf(stderr, "--summary: %s is an output of the run; name another file\n",
+                 printableName(options.summary).c_str());
+    return false;
+}
+
 } // namespace
 
 bool takeChanges(const RunOptions& options, SimState& sim) {
@@ -69,14 +79,15 @@ bool takeNames(const RunOptions& options, SimState& sim) {
         }
         sim.inputDir = absolutePath(options.folder);
     }
-    for (const char* const ending : {"_out", "_log", "_state"}) {
-        const std::string output = joinPath(sim.inputDir, sim.baseName + ending);
-        if (wouldOverwrite(options.geometry, output)) return false;
-        if (options.summary.empty() || absolutePath(options.summary) != absolutePath(output)) continue;
-        std::fprintf(stderr, "--summary: %s is an output of the run; name another file\n",
-                     printableName(options.summary).c_str());
-        return false;
-    }
+    for (const char* const ending : {"_out", "_log", "_state"})
+        if (!isFree(options, sim, ending)) return false;
+    return true;
+}
+
+bool takeEndings(const RunOptions& options, const SimState& sim, const std::vector<RunExtra>& extras) {
+    for (const RunExtra& extra : extras)
+        for (const std::string& ending : extra.endings)
+            if (!isFree(options, sim, ending)) return false;
     return true;
 }
 

@@ -12,4 +12,7 @@ bool takeChanges(const RunOptions& options, SimState& sim);
 /// Takes -o and --name, which say where all outputs go. Gives false after a message.
 bool takeNames(const RunOptions& options, SimState& sim);
 
+/// Refuses extras whose files would replace the geometry or the summary. Gives false after a message.
+bool takeEndings(const RunOptions& options, const SimState& sim, const std::vector<RunExtra>& extras);
+
 } // namespace norvane

@@ -1,4 +1,4 @@
-#include "frontends/cli/nearest.h"
+#include "core/nearest.h"
 
 #include <algorithm>
 

@@ -1,0 +1,88 @@
+#pragma once
+// A netCDF-4 file. The first fault stays: every later call does nothing, so that whoever writes a file asks once at
+// the end.
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace norvane {
+
+/// How the values of a variable lie in the file.
+struct VariableLayout {
+    std::vector<int> dimensions;     ///< slowest first
+    std::vector<std::size_t> chunks; ///< lengths, one for each dimension; none: as the library chooses
+    int compression = 0;             ///< 0: none, to 9; with a shuffle of bytes
+};
+
+/// Closed when it goes, whose faults nobody hears of then.
+class NetcdfFile {
+public:
+    /// Makes a new file, over an older one.
+    static NetcdfFile create(const std::string& path);
+    /// As above, but a file of that name is a fault.
+    static NetcdfFile createNew(const std::string& path);
+    static NetcdfFile openToRead(const std::string& path);
+    static NetcdfFile openToAppend(const std::string& path);
+
+    NetcdfFile(NetcdfFile&& other) noexcept;
+    NetcdfFile& operator=(NetcdfFile&& other) noexcept;
+    ~NetcdfFile();
+
+    /// In words; empty: none yet.
+    const std::string& fault() const { return fault_; }
+
+    /// Sets the fault, unless there is one.
+    void fail(const std::string& reason);
+
+    bool ok() const { return fault_.empty(); }
+
+    /// `length` 0: unlimited.
+    int addDimension(const std::string& name, std::size_t length);
+    int dimension(const std::string& name);
+    std::size_t length(int dimension);
+
+    /// `Value` is float, double, std::int8_t, std::int16_t, std::int32_t or std::uint64_t, here and below.
+    template <class Value>
+    int addVariable(const std::string& name, const VariableLayout& layout);
+    int variable(const std::string& name);
+    bool hasVariable(const std::string& name);
+
+    /// Of a variable, or of the file with `wholeFile`.
+    void setText(int variable, const std::string& name, const std::string& text);
+    void setNumber(int variable, const std::string& name, double value);
+    void setNumber(int variable, const std::string& name, float value);
+    void setNumber(int variable, const std::string& name, std::int32_t value);
+    std::string text(int variable, const std::string& name);
+    double number(int variable, const std::string& name);
+    bool hasAttribute(int variable, const std::string& name);
+
+    static constexpr int wholeFile = -1;
+
+    /// A block of values: `start` and `count` have one entry for each dimension.
+    template <class Value>
+    void write(int variable,
+               const std::vector<std::size_t>& start,
+               const std::vector<std::size_t>& count,
+               const Value* values);
+    template <class Value>
+    void
+    read(int variable, const std::vector<std::size_t>& start, const std::vector<std::size_t>& count, Value* values);
+
+    /// Lengths of the dimensions of a variable, slowest first.
+    std::vector<std::size_t> shape(int variable);
+
+    /// Writes what is pending and closes the file; true: all is written.
+    bool close();
+
+private:
+    NetcdfFile() = default;
+    static NetcdfFile createAs(const std::string& path, int mode);
+    bool isDone(int status, const char* what);
+
+    int file_ = -1; ///< -1: closed
+    std::string fault_;
+};
+
+} // namespace norvane
