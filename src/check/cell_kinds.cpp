@@ -17,16 +17,6 @@ bool feeds(const SimState& sim, std::int32_t cell) {
     return found;
 }
 
-bool isWall(const SimState& sim, std::int32_t cell) {
-    bool isOpen = false;
-    bool hasNeighbour = false;
-    forEachNeighbour(sim, cell, [&](std::int32_t, int dim, std::int32_t face) {
-        hasNeighbour = true;
-        isOpen = isOpen || isOpenFace(sim, face, dim);
-    });
-    return hasNeighbour && !isOpen;
-}
-
 unsigned kindOf(const SimState& sim, std::int32_t cell) {
     unsigned kind = isWall(sim, cell) ? kindWall : kindGas;
     const std::int16_t pressure = sim.wallPressure[cell];
@@ -38,8 +28,6 @@ unsigned kindOf(const SimState& sim, std::int32_t cell) {
 }
 
 } // namespace
-
-bool isOpenFace(const SimState& sim, std::int32_t lower, int dim) { return !isClosed(sim.wallVelocity(lower, dim)); }
 
 std::vector<unsigned> cellKinds(const SimState& sim) {
     std::vector<unsigned> kinds(static_cast<std::size_t>(sim.nCells) + 1, kindGas);

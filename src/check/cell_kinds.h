@@ -1,6 +1,7 @@
 #pragma once
 // What each cell of a model is, as a person would say it: gas, wall, inlet, outlet, held, heated, reacting, radiating.
 
+#include "core/neighbours.h"
 #include "core/sim_state.h"
 
 #include <cstdint>
@@ -22,20 +23,6 @@ enum CellKind : unsigned {
 
 /// Of a model that stands: [0..nCells], element 0 is unused.
 std::vector<unsigned> cellKinds(const SimState& sim);
-
-/// Whether two neighbours along a dimension, `lower` and the next one, share a face that lets gas through.
-bool isOpenFace(const SimState& sim, std::int32_t lower, int dim);
-
-/// Calls `take(neighbour, dim, face)` for each neighbour of a cell; `face` is the cell whose upper face they share.
-template <class Take>
-void forEachNeighbour(const SimState& sim, std::int32_t cell, const Take& take) {
-    for (int dim = 1; dim <= sim.nDim; ++dim) {
-        const std::int32_t stride = sim.cellStride[dim];
-        const std::int32_t place = (cell - 1) % sim.cellStride[dim + 1];
-        if (place >= stride) take(cell - stride, dim, cell - stride);
-        if (place < sim.cellStride[dim + 1] - stride) take(cell + stride, dim, cell);
-    }
-}
 
 /// The faces that join cells to one part.
 enum class FaceRule : std::uint8_t {

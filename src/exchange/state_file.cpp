@@ -295,16 +295,20 @@ bool recallState(SimState& sim, Interface& ui) {
     return true;
 }
 
-std::int32_t savedStepCount(const SimState& sim) {
-    constexpr std::size_t headerBytes = 64;
-    std::string header;
-    if (!readBeginning(statePath(sim), headerBytes, header)) return -1;
-    const std::size_t first = header.find_first_of("\r\n");
-    const std::size_t second = header.find_first_not_of("\r\n", first);
-    if (second == std::string::npos || header.find_first_of("\r\n", second) == std::string::npos) return -1;
-    std::size_t length = 0;
-    const double step = numericPrefix(std::string_view(header).substr(second), length);
-    return length > 0 && step >= 0 && step <= 2147483647.0 ? static_cast<std::int32_t>(step) : -1;
+std::int32_t savedStep(const SimState& sim) {
+    std::string beginning;
+    const auto begin = [&] { beginning.clear(); };
+    const auto take = [&](std::string_view piece) {
+        beginning += piece;
+        return std::count(beginning.begin(), beginning.end(), '\n') < 2 && beginning.size() < 2 * longestItem;
+    };
+    bool disturbed = false;
+    if (!readWholeFile(statePath(sim), {begin, take}, disturbed)) return -1;
+    NumberItems items{beginning};
+    std::int32_t cells = 0;
+    std::int32_t step = -1;
+    const bool read = readWhole(items, cells) == ItemKind::number && readWhole(items, step) == ItemKind::number;
+    return read ? step : -1;
 }
 
 } // namespace norvane

@@ -28,7 +28,7 @@ bool saveState(SimState& sim, Interface& ui);
 /// true when the state is taken.
 bool recallState(SimState& sim, Interface& ui);
 
-/// The step count that a state file begins with; -1: there is none, or it can't be told without reading it whole.
-std::int32_t savedStepCount(const SimState& sim);
+/// The step count that a state file begins with; -1 where there is none.
+std::int32_t savedStep(const SimState& sim);
 
 } // namespace norvane

@@ -4,7 +4,6 @@
 #include "geometry/text_encoding.h"
 #include "platform/files.h"
 
-#include <cmath>
 #include <cstdlib>
 #include <new>
 #include <string>
@@ -17,9 +16,9 @@ namespace {
 
 constexpr const char* unchangedText = "\r\nNothing was imported: the earlier view factors, if any, stay in force.";
 
-/// W/(m2 K4). Volatile, so that its root is taken by the library at run time like every other power, and not by a
-/// compiler, which may round the last bit another way.
-const volatile double radiationConstant = 5.67E-08;
+/// (W/(m2 K4))^(1/4), of the radiation constant 5.67E-08 W/(m2 K4). A literal: powers of C libraries differ in the last
+/// place.
+constexpr double radiationRoot = 0x1.f9a51d635eb8ep-7;
 
 std::string radName(const SimState& sim) { return sim.baseName + "_rad"; }
 
@@ -111,7 +110,7 @@ void takeTable(SimState& sim, const PairTable& table) {
     sim.radFactor = std::move(factors);
     sim.radPairCount = count;
     sim.radActive = true;
-    sim.sigmaRoot = std::pow(radiationConstant, 1.0 / 4.0);
+    sim.sigmaRoot = radiationRoot;
 }
 
 FileResult readNumbers(const std::string& path, std::string& bytes) {

@@ -62,11 +62,15 @@ std::recursive_mutex& netcdfMutex() {
     return mutex;
 }
 
-NetcdfFile NetcdfFile::create(const std::string& path) {
+NetcdfFile NetcdfFile::create(const std::string& path) { return createAs(path, NC_CLOBBER); }
+
+NetcdfFile NetcdfFile::createNew(const std::string& path) { return createAs(path, NC_NOCLOBBER); }
+
+NetcdfFile NetcdfFile::createAs(const std::string& path, int mode) {
     const Lock lock(netcdfMutex());
     silenceThread();
     NetcdfFile file;
-    file.isDone(nc_create(path.c_str(), NC_NETCDF4 | NC_CLOBBER, &file.file_), "create");
+    file.isDone(nc_create(path.c_str(), NC_NETCDF4 | mode, &file.file_), "create");
     int before = 0;
     if (file.ok()) file.isDone(nc_set_fill(file.file_, NC_NOFILL, &before), "create");
     return file;

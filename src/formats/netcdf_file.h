@@ -25,6 +25,8 @@ class NetcdfFile {
 public:
     /// Makes a new file, over an older one.
     static NetcdfFile create(const std::string& path);
+    /// As above, but a file of that name is a fault.
+    static NetcdfFile createNew(const std::string& path);
     static NetcdfFile openToRead(const std::string& path);
     static NetcdfFile openToAppend(const std::string& path);
 
@@ -80,6 +82,7 @@ public:
 
 private:
     NetcdfFile() = default;
+    static NetcdfFile createAs(const std::string& path, int mode);
     bool isDone(int status, const char* what);
 
     int file_ = -1; ///< -1: closed

@@ -1,10 +1,11 @@
 #include "frontends/cli/plot_command.h"
 
-#include "core/number_text.h"
 #include "core/quantities.h"
 #include "display/field_plot.h"
 #include "drawing/image_surface.h"
+#include "frontends/cli/chart_command.h"
 #include "frontends/cli/console.h"
+#include "frontends/cli/option_text.h"
 #include "platform/letter_case.h"
 #include "platform/terminal_text.h"
 
@@ -16,39 +17,6 @@
 namespace norvane {
 
 namespace {
-
-/// Prints what is wrong with an option, and gives false for the caller to pass on.
-bool fault(const std::string& option, const std::string& given, const std::string& allowed) {
-    std::fprintf(stderr, "%s: \"%s\" is not %s\n", option.c_str(), printableName(given).c_str(), allowed.c_str());
-    return false;
-}
-
-std::optional<double> finiteNumber(const std::string& text) {
-    std::size_t length = 0;
-    const double value = numericPrefix(text, length);
-    if (length == 0 || length != text.size() || !std::isfinite(value)) return std::nullopt;
-    return value;
-}
-
-/// A whole number of the range; none where the text is something else.
-std::optional<int> wholeIn(const std::string& text, int low, int high) {
-    const std::optional<double> value = finiteNumber(text);
-    if (!value || *value != std::floor(*value) || *value < low || *value > high) return std::nullopt;
-    return static_cast<int>(*value);
-}
-
-std::vector<std::string> parts(const std::string& text, char separator) {
-    std::vector<std::string> result{""};
-    for (const char c : text) {
-        if (c == separator)
-            result.emplace_back();
-        else
-            result.back() += c;
-    }
-    return result;
-}
-
-std::string range(int low, int high) { return std::to_string(low) + " to " + std::to_string(high); }
 
 bool takeQuantity(const PlotOptions& options, SimState& sim, const Selector& quantities) {
     if (options.quantity.empty()) return true;
@@ -65,40 +33,21 @@ bool takeQuantity(const PlotOptions& options, SimState& sim, const Selector& qua
         names += (k > 0 ? ", " : "") + quantities.entries[k];
     }
     return fault("--quantity", options.quantity,
-                 "one of " + names + ", or its number, " + range(1, quantities.listCount()));
+                 "one of " + names + ", or its number, " + rangeText(1, quantities.listCount()));
 }
 
 bool takeComponent(const PlotOptions& options, SimState& sim) {
     if (options.component.empty()) return true;
-    if (sim.showWhat == showConcentration) {
-        const std::optional<int> species = wholeIn(options.component, 0, sim.nsMax);
-        if (!species) return fault("--component", options.component, "a species of the table, " + range(0, sim.nsMax));
-        sim.showDims = static_cast<std::int16_t>(*species);
-        return true;
-    }
-    if (!hasDirections(sim.showWhat))
-        return fault("--component", options.component, "used: this quantity has no components");
-    static constexpr const char* names[] = {"total", "x", "y", "z", "d4"};
-    std::string known;
-    for (int dim = 0; dim <= std::min<int>(sim.nDim, 4); ++dim) {
-        known += std::string(names[dim]) + ", ";
-        if (lowerCase(options.component) == names[dim]) {
-            sim.showDims = static_cast<std::int16_t>(dim);
-            return true;
-        }
-    }
-    const std::optional<int> dim = wholeIn(options.component, 1, sim.nDim);
-    if (!dim)
-        return fault("--component", options.component, "one of " + known + "or a dimension, " + range(1, sim.nDim));
-    sim.showDims = static_cast<std::int16_t>(*dim);
-    return true;
+    const std::optional<int> component = componentNamed(options.component, sim, sim.showWhat);
+    if (component) sim.showDims = static_cast<std::int16_t>(*component);
+    return component.has_value();
 }
 
 /// Reads the dimension of an axis; stays without the option.
 bool takeAxis(const std::string& option, const std::string& given, const SimState& sim, std::int16_t& axis) {
     if (given.empty()) return true;
     const std::optional<int> dim = wholeIn(given, 1, sim.nDim);
-    if (!dim) return fault(option, given, "a dimension of the geometry, " + range(1, sim.nDim));
+    if (!dim) return fault(option, given, "a dimension of the geometry, " + rangeText(1, sim.nDim));
     axis = static_cast<std::int16_t>(*dim);
     return true;
 }
@@ -119,12 +68,12 @@ bool takeSlices(const PlotOptions& options, SimState& sim) {
     for (const std::string& slice : options.slices) {
         const std::vector<std::string> sides = parts(slice, '=');
         const std::optional<int> dim = sides.size() == 2 ? wholeIn(sides[0], 1, sim.nDim) : std::nullopt;
-        if (!dim) return fault("--slice", slice, "DIMENSION=SLICE with a dimension of " + range(1, sim.nDim));
+        if (!dim) return fault("--slice", slice, "DIMENSION=SLICE with a dimension of " + rangeText(1, sim.nDim));
         if (*dim == sim.axisPair[0] || *dim == sim.axisPair[1])
             return fault("--slice", slice, "possible: dimension " + sides[0] + " is drawn (see --columns, --rows)");
         const int last = sim.cellCount[*dim] - 1;
         const std::optional<int> place = wholeIn(sides[1], 0, last);
-        if (!place) return fault("--slice", slice, "a slice of that dimension, " + range(0, last));
+        if (!place) return fault("--slice", slice, "a slice of that dimension, " + rangeText(0, last));
         sim.sliceSel[*dim] = static_cast<std::int16_t>(*place);
     }
     return true;
@@ -191,15 +140,10 @@ bool takeZoom(const PlotOptions& options, SimState& sim) {
 
 bool takeSize(const PlotOptions& options, Form& window) {
     if (options.size.empty()) return true;
-    const std::vector<std::string> sides = parts(lowerCase(options.size), 'x');
-    const std::optional<int> width = sides.size() == 2 ? wholeIn(sides[0], 150, largestPicture) : std::nullopt;
-    const std::optional<int> height = sides.size() == 2 ? wholeIn(sides[1], 60, largestPicture) : std::nullopt;
-    if (!width || !height)
-        return fault("--size", options.size,
-                     "WIDTHxHEIGHT in pixels, such as 1200x900, from 150x60 to " + std::to_string(largestPicture) + "x"
-                         + std::to_string(largestPicture));
-    window.width = static_cast<float>(*width);
-    window.height = static_cast<float>(*height);
+    const std::optional<PixelSize> size = pictureSize(options.size);
+    if (!size) return false;
+    window.width = static_cast<float>(size->width);
+    window.height = static_cast<float>(size->height);
     return true;
 }
 
@@ -212,7 +156,64 @@ bool takeOptions(const PlotOptions& options, Program& program) {
            && takeScale(options, sim);
 }
 
+bool unused(const char* option, bool isGiven, const char* chart) {
+    if (isGiven) std::fprintf(stderr, "%s: it means nothing with %s\n", option, chart);
+    return !isGiven;
+}
+
+/// Whether no option is given that a chart doesn't take.
+bool suitsCharts(const PlotOptions& options) {
+    if (!options.history && options.along.empty()) return true;
+    const char* const chart = options.history ? "--history" : "--along";
+    return unused("--slice", !options.slices.empty(), chart) && unused("--columns", !options.columns.empty(), chart)
+           && unused("--rows", !options.rows.empty(), chart) && unused("--zoom", !options.zoom.empty(), chart)
+           && unused("--state", options.history && options.state, chart)
+           && unused("--component", options.history && !options.component.empty(), chart);
+}
+
 } // namespace
+
+std::optional<int> componentNamed(const std::string& text, const SimState& sim, int quantity) {
+    if (quantity == showConcentration) {
+        const std::optional<int> species = wholeIn(text, 0, sim.nsMax);
+        if (!species) fault("--component", text, "a species of the table, " + rangeText(0, sim.nsMax));
+        return species;
+    }
+    if (!hasDirections(quantity)) {
+        fault("--component", text, "used: this quantity has no components");
+        return std::nullopt;
+    }
+    static constexpr const char* names[] = {"total", "x", "y", "z", "d4"};
+    std::string known;
+    for (int dim = 0; dim <= std::min<int>(sim.nDim, 4); ++dim) {
+        known += std::string(names[dim]) + ", ";
+        if (lowerCase(text) == names[dim]) return dim;
+    }
+    const std::optional<int> dim = wholeIn(text, 1, sim.nDim);
+    if (!dim) fault("--component", text, "one of " + known + "or a dimension, " + rangeText(1, sim.nDim));
+    return dim;
+}
+
+bool sizeCanvas(const PlotOptions& options, bool isPage, Canvas& canvas) {
+    constexpr double usualWidth = 800; // units; letters are legible where that becomes the width of a page
+    canvas.width = usualWidth;
+    canvas.height = 0;
+    canvas.scale = isPage ? 1 : 2;
+    if (options.size.empty()) return true;
+    const std::optional<PixelSize> size = pictureSize(options.size);
+    if (!size) return false;
+    if (!isPage) canvas.scale = std::max(1.0, size->width / usualWidth);
+    canvas.width = size->width / canvas.scale;
+    canvas.height = size->height / canvas.scale;
+    return true;
+}
+
+ExitStatus writtenFigure(const FigureFile& figure, const std::string& path) {
+    const FileResult written = writeFigure(figure, path);
+    if (written) return exitDone;
+    std::fprintf(stderr, "%s can't be written: %s\n", printableName(path).c_str(), written.reason.c_str());
+    return exitFileFault;
+}
 
 int plotGeometry(const PlotOptions& options) {
     const std::optional<PictureFormat> format = pictureFormat(options.output);
@@ -220,12 +221,13 @@ int plotGeometry(const PlotOptions& options) {
         fault("--output", options.output, "a name that ends in .png, .svg, .pdf or .bmp");
         return exitBadUse;
     }
-    if (wouldOverwrite(options.geometry, options.output)) return exitBadUse;
+    if (!suitsCharts(options) || wouldOverwrite(options.geometry, options.output)) return exitBadUse;
     Console console;
     connectConsole(console);
     Program& program = console.program;
     startProgram(program, {absolutePath("."), "norvane", {}});
     ExitStatus status = loadFor(console, options.geometry);
+    if (status == exitDone && options.history) return plotHistory(options, program.sim);
     if (status == exitDone) status = standModel(console, options.state);
     if (status != exitDone) return status;
     if (!(program.sim.density[0] > 0)) {
@@ -234,6 +236,7 @@ int plotGeometry(const PlotOptions& options) {
                      printableName(program.sim.fileName).c_str());
         return exitNoModel;
     }
+    if (!options.along.empty()) return plotProfiles(options, program.sim);
     if (!takeOptions(options, program)) return exitBadUse;
 
     Surface& surface = program.ui.NV_out.Picture1;

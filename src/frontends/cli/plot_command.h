@@ -19,7 +19,11 @@ struct PlotOptions {
     std::string zoom;                ///< "1,2", a stretch for each dimension
     std::string title;
     bool hasTitle = false;
-    std::string size; ///< "1200x900" pixels
+    std::string size;                      ///< "1200x900" pixels
+    std::vector<std::string> along;        ///< "C7:C30", lines of cells
+    bool history = false;                  ///< the probes over time
+    std::string probes;                    ///< the file of the probes
+    std::vector<std::string> probeColumns; ///< "C7:T"
 };
 
 /// Draws a picture of a geometry without a window; the ending of its name gives the format. Gives the exit status. A

@@ -11,6 +11,26 @@ namespace {
 
 constexpr const char* plotHelp = "Draw a picture of a geometry, as it starts or with --state as it was saved.";
 
+void addCharts(CLI::App& plot, PlotOptions& options) {
+    CLI::Option* along =
+        plot.add_option("--along", options.along,
+                        "a chart of values along a line of cells, such as C7:C30; may be repeated. --quantity takes "
+                        "several here, such as T,p,u, a panel for each")
+            ->type_name("CELL:CELL")
+            ->check(notEmpty);
+    CLI::Option* history =
+        plot.add_flag("--history", options.history, "a chart of the probes of a run over time, from m_probes.csv");
+    along->excludes(history);
+    plot.add_option("--probes", options.probes, "read the probes from another file")
+        ->type_name("FILE")
+        ->needs(history)
+        ->check(notEmpty);
+    plot.add_option("--column", options.probeColumns, "a probe to draw, such as C7:T; may be repeated")
+        ->type_name("NAME")
+        ->needs(history)
+        ->check(notEmpty);
+}
+
 } // namespace
 
 Command addPlot(CLI::App& app) {
@@ -36,6 +56,7 @@ Command addPlot(CLI::App& app) {
     plot->add_option("--zoom", options.zoom, "a stretch for each dimension, such as 1,2");
     plot->add_option("--title", options.title, "the title of the plot");
     plot->add_option("--size", options.size, "pixels, such as 1200x900")->type_name("WxH");
+    addCharts(*plot, options);
     plot->footer(lookStatusHelp);
     return {plot, [kept, plot] {
                 kept->hasTitle = plot->count("--title") > 0;

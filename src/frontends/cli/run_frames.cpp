@@ -84,7 +84,7 @@ std::string RunFrames::faultOfAppend(const RunContext& run, const FrameFileInfo&
     if (info.fields != layout_.fieldNames())
         return name + " holds other fields; go on with --frames-fields " + listOf(info.fields);
     if (!run.options.recall) return {};
-    const std::int32_t saved = savedStepCount(run.sim);
+    const std::int32_t saved = savedStep(run.sim);
     const std::int32_t last = info.times.steps.back();
     if (saved < 0 || last <= saved) return {};
     return name + " has frames up to step " + std::to_string(last) + ", and the saved state is that of step "

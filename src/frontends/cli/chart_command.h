@@ -1,0 +1,29 @@
+#pragma once
+// Charts of "norvane plot": profiles along lines of cells, and probes over time.
+
+#include "drawing/figure_file.h"
+#include "frontends/cli/console.h"
+#include "frontends/cli/plot_command.h"
+
+#include <optional>
+#include <string>
+
+namespace norvane {
+
+/// Draws the profiles of a model that stands. Gives the exit status.
+ExitStatus plotProfiles(const PlotOptions& options, const SimState& sim);
+
+/// Draws the probes of a geometry that is loaded. Gives the exit status.
+ExitStatus plotHistory(const PlotOptions& options, const SimState& sim);
+
+/// The component of a quantity that a text names; none after a message.
+std::optional<int> componentNamed(const std::string& text, const SimState& sim, int quantity);
+
+/// Sizes a canvas as --size says, without it to a width that fits a page. The height of one that is not given is 0.
+/// Gives false after a message.
+bool sizeCanvas(const PlotOptions& options, bool isPage, Canvas& canvas);
+
+/// Writes a figure; prints what prevents it.
+ExitStatus writtenFigure(const FigureFile& figure, const std::string& path);
+
+} // namespace norvane
