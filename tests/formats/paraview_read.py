@@ -20,5 +20,5 @@ for number, time in enumerate(times):
     arrays[f"{number} bounds"] = numpy.array(bounds).reshape(-1, 3, 2)
     for k in range(data.GetCellData().GetNumberOfArrays()):
         array = data.GetCellData().GetArray(k)
-        arrays[f"{number} {array.GetName()}"] = vtk_to_numpy(array)
+        arrays[f"{number} {array.GetName()}"] = vtk_to_numpy(array).copy()  # it is read anew for the next time
 numpy.savez(sys.argv[2], **arrays)
