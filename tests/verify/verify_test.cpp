@@ -15,8 +15,9 @@ namespace {
 using testing::HasSubstr;
 
 /// Four cells in two rows, of 1 and 3 m along dimension 1; nothing moves.
-const char* const square = "DT 0.5:NT 2:RH 1:TT 300:PP 1E5:ET 0:LA 0\t\nL\t\nTT 301:WV 0;2:DD -1;1\tTT 302:WV 0;2:DD -1;3\n"
-                           "TT 303:WV 0;2\tTT 304:WV 0;2\nL\t\n";
+const char* const square =
+    "DT 0.5:NT 2:RH 1:TT 300:PP 1E5:ET 0:LA 0\t\nL\t\nTT 301:WV 0;2:DD -1;1\tTT 302:WV 0;2:DD -1;3\n"
+    "TT 303:WV 0;2\tTT 304:WV 0;2\nL\t\n";
 
 const std::string beginning = "title a case\ngrid one\n  drawing m.gmt\n  with N = 4\n  cells row = A3:B3\n";
 
