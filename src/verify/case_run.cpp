@@ -202,6 +202,7 @@ void runMode(const Case& verified, const CaseOptions& options, bool compensated,
     for (std::size_t grid = 0; grid < grids && result.fault.text.empty(); ++grid) {
         GridRun run{verified, verified.grids[grid], compensated};
         run.sim.threads = options.threads;
+        run.sim.compensated = compensated;
         options.began(run.grid, compensated);
         result.fault = load(run);
         if (!result.fault.text.empty()) return;
