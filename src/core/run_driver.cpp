@@ -50,6 +50,7 @@ bool isWanted(const SimState& sim, const Output& output) {
 /// What a run keeps from step to step beside the model.
 struct Run {
     StageEngine engine;
+    bool hasStages; ///< those of the step that is counted are complete: a state was put back there
     StopFileWatch stopFile;
 };
 
@@ -81,7 +82,8 @@ std::vector<const StageWatch*> watchesOf(const SimState& sim, const RunOperation
     return watches;
 }
 
-void runStep(SimState& sim, const RunEvents& events, const RunOperations& operations, Run& run) {
+/// Begins a step and carries out its stages.
+void runStages(SimState& sim, const RunEvents& events, const RunOperations& operations, Run& run) {
     events.stepBegan();
     if (sim.stepCount < std::numeric_limits<std::int32_t>::max()) sim.stepCount += 1;
     const auto report = [&](const StageFault& fault) { reportFault(sim, events, fault); };
@@ -93,7 +95,6 @@ void runStep(SimState& sim, const RunEvents& events, const RunOperations& operat
         if (!watches.empty()) bringFields(run);
         for (const StageWatch* const watch : watches) watch->look(sim, stage);
     }
-    runSchedule(sim, events, operations, run);
 }
 
 bool nestsTooDeep(const SimState& sim, const RunEvents& events) {
@@ -115,9 +116,9 @@ void reportSkippedPairs(const SimState& sim, const RunEvents& events) {
                          "They are skipped. Import the view factors of this geometry with \"import rad\".");
 }
 
-/// Builds the model as runMode says and makes its engine. Gives none, after a message, where there is no geometry or
-/// not enough memory.
-std::optional<StageEngine> prepareRun(SimState& sim, const RunEvents& events, const RunOperations& operations) {
+/// Builds the model as runMode says, or puts a state back, and makes its engine. Gives none, after a message, where
+/// that can't be done.
+std::optional<Run> prepareRun(SimState& sim, const RunEvents& events, const RunOperations& operations) {
     const bool isFirst = sim.runMode == modeGeometryRead;
     try {
         if (operations.buildModel) operations.buildModel(sim);
@@ -129,7 +130,12 @@ std::optional<StageEngine> prepareRun(SimState& sim, const RunEvents& events, co
         for (const Output& output : operations.outputs)
             if (isFirst && output.start) output.start(sim);
         reportSkippedPairs(sim, events);
-        return operations.makeEngine ? operations.makeEngine(sim) : processorEngine(sim, planStages(sim, sim.threads));
+        const Restored restored = operations.restore ? operations.restore(sim) : Restored::afterOutputs;
+        if (restored == Restored::failed) return std::nullopt;
+        return Run{operations.makeEngine ? operations.makeEngine(sim)
+                                         : processorEngine(sim, planStages(sim, sim.threads)),
+                   restored == Restored::beforeOutputs,
+                   {}};
     } catch (const std::bad_alloc&) {
         events.showMessage("There is not enough memory to run this model. Draw a coarser grid.");
         return std::nullopt;
@@ -149,15 +155,15 @@ void runSimulation(SimState& sim, const RunEvents& events, const RunOperations& 
     if (nestsTooDeep(sim, events)) return;
     sim.reported = {};
     sim.outcome = {};
-    std::optional<StageEngine> engine = prepareRun(sim, events, operations);
-    if (!engine) return;
-    Run run{std::move(*engine), {}};
+    std::optional<Run> run = prepareRun(sim, events, operations);
+    if (!run) return;
     sim.stageWork = workSlot;
     sim.stopFlag = false;
     sim.runDepth += 1;
     events.runBegan();
     do {
-        runStep(sim, events, operations, run);
+        if (!std::exchange(run->hasStages, false)) runStages(sim, events, operations, *run);
+        runSchedule(sim, events, operations, *run);
     } while (!sim.stopFlag);
     events.runEnded();
     sim.revision += 1; // for a run that was suspended in a yield meanwhile

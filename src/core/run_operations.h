@@ -28,9 +28,18 @@ struct StageWatch {
     std::function<void(const SimState& sim, int stage)> look; ///< after each stage [1..4] of such a step
 };
 
+/// What became of a state that was put back.
+enum class Restored : std::uint8_t {
+    failed,        ///< reported; there is no run
+    beforeOutputs, ///< the stages of the step that stepCount counts are complete, its outputs are to come
+    afterOutputs,  ///< the next step begins
+};
+
 /// What the run driver calls of the floors above it. An entry that is not filled in is skipped.
 struct RunOperations {
     std::function<void(SimState& sim)> buildModel;
+    /// Puts back what an earlier run kept (core/run_memory.h), when the model is built.
+    std::function<Restored(SimState& sim)> restore;
     std::function<StageEngine(SimState& sim)> makeEngine; ///< of a model that was just built; none: the processor's
     std::function<void(SimState& sim)> showExitQuestion;
     std::vector<Output> outputs;     ///< in the order in which they come after a step

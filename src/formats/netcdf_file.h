@@ -1,13 +1,17 @@
 #pragma once
 // A netCDF-4 file. The first fault stays: every later call does nothing, so that whoever writes a file asks once at
-// the end.
+// the end. The library holds one thread at a time: each call waits for those of other threads.
 
 #include <cstddef>
 #include <cstdint>
+#include <mutex>
 #include <string>
 #include <vector>
 
 namespace norvane {
+
+/// Whoever calls netCDF or HDF5 without NetcdfFile holds this meanwhile.
+std::recursive_mutex& netcdfMutex();
 
 /// How the values of a variable lie in the file.
 struct VariableLayout {
@@ -21,6 +25,8 @@ class NetcdfFile {
 public:
     /// Makes a new file, over an older one.
     static NetcdfFile create(const std::string& path);
+    /// As above, but a file of that name is a fault.
+    static NetcdfFile createNew(const std::string& path);
     static NetcdfFile openToRead(const std::string& path);
     static NetcdfFile openToAppend(const std::string& path);
 
@@ -76,6 +82,7 @@ public:
 
 private:
     NetcdfFile() = default;
+    static NetcdfFile createAs(const std::string& path, int mode);
     bool isDone(int status, const char* what);
 
     int file_ = -1; ///< -1: closed

@@ -26,6 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t len
     verified.grids.resize(std::min<std::size_t>(verified.grids.size(), 2));
     const CaseResult result = runCase(verified, {});
     for (const CheckResult& checked : result.checks)
-        require(checked.figures.size() == verified.grids.size() || !result.fault.text.empty(), "a figure for each grid");
+        require(checked.figures.size() == verified.grids.size() || !result.fault.text.empty(),
+                "a figure for each grid");
     return 0;
 }

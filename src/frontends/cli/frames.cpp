@@ -43,6 +43,14 @@ void takeFrame(Frames& frames, SimState& sim, Interface& ui) {
                        + ".\r\nThe run goes on without it.");
 }
 
+void findFrames(Frames& frames, std::int32_t every, std::int32_t first, std::int32_t step) {
+    if (every <= 0) return;
+    for (std::int64_t k = std::int64_t{first} / every + 1; k * every < step; ++k) {
+        const std::string path = numbered(frames.prefix, static_cast<std::int32_t>(k * every));
+        if (stampOf(path).exists) frames.paths.push_back(absolutePath(path));
+    }
+}
+
 bool canMakeMovies() {
     std::error_code unknown;
     return std::filesystem::is_regular_file(programPath("ffmpeg"), unknown);

@@ -31,21 +31,22 @@ void beginRun(ConsoleRun& run) {
     run.ran = true;
     run.watch = {};
     run.firstStep = sim.stepCount;
+    if (!run.checkpoints.isResumed) run.startStep = sim.stepCount;
     if (run.options.plotEvery > 0) sim.updateEvery = run.options.plotEvery;
     if (run.options.frameEvery > 0) sim.frameEvery = run.options.frameEvery;
-    if (run.options.time > 0 && sim.dt > 0)
-        sim.stopStep = toInt32(sim.stepCount + std::ceil(run.options.time / double(sim.dt) - 1e-6));
+    takeTime(run);
     run.progress.begin(sim);
     const std::int64_t steps = std::int64_t{sim.stopStep} - sim.stepCount;
     const std::string size = " of " + generalText(sim.dt) + " s";
-    const std::string length = sim.stopStep < 0 ? "steps" + size + " until it is stopped"
-                               : steps <= 1     ? "1 step" + size
-                                                : std::to_string(steps) + " steps" + size;
+    const std::string length = sim.stopStep < 0                          ? "steps" + size + " until it is stopped"
+                               : steps == 0 && run.checkpoints.isResumed ? "no step left"
+                               : steps <= 1                              ? "1 step" + size
+                                                                         : std::to_string(steps) + " steps" + size;
     const std::string start = sim.stepCount > 0 ? " from step " + std::to_string(sim.stepCount) : "";
     say(run, sim.fileName + ": " + describedGrid(sim) + ", " + length + start);
     const RunContext context = contextOf(run);
     for (const RunExtra& extra : run.extras)
-        if (extra.begin) extra.begin(context);
+        if (extra.begin && !run.checkpoints.isResumed) extra.begin(context); // else they went on with the fields
     run.begun = true;
 }
 
@@ -73,11 +74,14 @@ void connectRun(ConsoleRun& run) {
     connectConsole(run.console);
     Program& program = run.console.program;
     run.console.beforeMessage = [&run] { run.progress.wipe(); };
-    program.ui.yieldToInterface = [&program] {
-        if (isStopSignalled()) program.sim.stopFlag = true;
+    program.ui.yieldToInterface = [&run] {
+        if (isStopSignalled() && !run.checkpoints.inOutputs) run.console.program.sim.stopFlag = true;
     };
     program.ui.runBegan = [&run] { beginRun(run); };
-    program.ui.stepBegan = [&run] { run.progress.step(run.console.program.sim); };
+    program.ui.stepBegan = [&run] {
+        run.checkpoints.inOutputs = false;
+        run.progress.step(run.console.program.sim);
+    };
     program.operations.output("snapshot").write = [&run](SimState& sim) {
         Interface& ui = run.console.program.ui;
         if (run.options.frameEvery > 0)
@@ -175,6 +179,12 @@ void connectExtras(ConsoleRun& run) {
 
 } // namespace
 
+void takeTime(ConsoleRun& run) {
+    SimState& sim = run.console.program.sim;
+    if (run.options.time > 0 && sim.dt > 0)
+        sim.stopStep = toInt32(run.startStep + std::ceil(run.options.time / double(sim.dt) - 1e-6));
+}
+
 int runGeometry(const RunOptions& options) {
     ConsoleRun run(options);
     if (!options.movie.empty() && !canMakeMovies()) {
@@ -195,10 +205,13 @@ int runGeometry(const RunOptions& options) {
     if (options.radiation && !program.sim.radActive) return exitFileFault; // reported by a message
     if (!takeNames(options, program.sim)) return exitBadUse;
     run.goesOn = options.recall;
+    if (!takeCheckpointOptions(run)) return exitBadUse;
     if (!prepareExtras(run) || !takeEndings(options, program.sim, run.extras)) return exitBadUse;
     connectExtras(run);
     if (!claimFiles(run)) return exitFileFault;
     run.frames.prefix = absolutePath(program.sim.inputDir + "/" + program.sim.baseName + "_");
+    const ExitStatus connected = connectCheckpoints(run);
+    if (connected != exitDone) return connected;
     catchStopSignals();
     if (options.recall) {
         if (!recallState(program.sim, program.ui)) return exitFileFault;
@@ -206,6 +219,7 @@ int runGeometry(const RunOptions& options) {
     } else {
         runSimulation(program.sim, program.ui, program.operations);
     }
+    if (run.checkpoints.isResumed && !run.ran) return exitFileFault; // reported by a message
     return finish(run);
 }
 

@@ -30,16 +30,21 @@ struct ConsoleRun {
     Checkup checkup;
     RunWatch watch;
     std::int32_t firstStep = 0; ///< step count at the start
+    std::int32_t startStep = 0; ///< the same of the run that this one resumes
     std::vector<NamedRange> labels;
     std::vector<RunExtra> extras;
     bool goesOn = false; ///< from a state that was saved
-    bool begun = false;  ///< each extra has begun
+    RunCheckpoints checkpoints;
+    bool begun = false; ///< each extra has begun
 };
 
 /// Prints a line, unless the run is quiet.
 void say(ConsoleRun& run, const std::string& line);
 
 RunContext contextOf(ConsoleRun& run);
+
+/// --time: it sets the stop step, from the start of the run on.
+void takeTime(ConsoleRun& run);
 
 /// Ends a run in order, and gives the status that says how it went.
 int finish(ConsoleRun& run);

@@ -11,7 +11,9 @@ namespace {
 
 std::atomic<int> stopSignal = 0;
 std::atomic<std::int64_t> stopMoment = 0; ///< ns, of the first signal
-static_assert(std::atomic<int>::is_always_lock_free && std::atomic<std::int64_t>::is_always_lock_free,
+std::atomic<bool> checkpointSignal = false;
+static_assert(std::atomic<int>::is_always_lock_free && std::atomic<std::int64_t>::is_always_lock_free
+                  && std::atomic<bool>::is_always_lock_free,
               "a signal may come to any thread at any moment");
 
 /// A second signal ends the process at once; but some programs send theirs twice in a moment, to a process and its
@@ -30,6 +32,11 @@ void takeSignal(int number) {
     std::signal(number, takeSignal); // where a handler serves only once
 }
 
+[[maybe_unused]] void noteCheckpoint(int number) {
+    checkpointSignal = true;
+    std::signal(number, noteCheckpoint);
+}
+
 } // namespace
 
 void catchStopSignals() {
@@ -42,5 +49,13 @@ void catchStopSignals() {
 }
 
 bool isStopSignalled() { return stopSignal != 0; }
+
+void catchCheckpointSignal() {
+#ifndef _WIN32
+    std::signal(SIGUSR1, noteCheckpoint);
+#endif
+}
+
+bool takeCheckpointSignal() { return checkpointSignal.exchange(false); }
 
 } // namespace norvane
