@@ -120,12 +120,12 @@ def profile_chart(case, title):
     for k, (grid, points) in enumerate(series):
         chart.dots([(q[0], q[1]) for q in thinned(points, 60)], COLOURS[k], 2.2)
         chart.key(k, COLOURS[k], grid, 220)
-    chart.key(len(series), "#000", "exact", 220)
+    chart.key(len(series), "#000", "expected", 220)
     return chart
 
 
 def legend(check):
-    title = check["title"] if len(check["title"]) <= 40 else check["title"][:38] + "..."
+    title = check["title"] if len(check["title"]) <= 34 else check["title"][:32] + "..."
     return title + f" ({check['kind']})" + (", compensated" if check["compensated"] else "")
 
 
