@@ -2,6 +2,7 @@
 
 #include "frontends/cli/balance_options.h"
 
+#include "core/remainders.h"
 #include "exchange/balance_file.h"
 #include "exchange/row_file.h"
 #include "frontends/cli/json_text.h"
@@ -126,7 +127,7 @@ std::vector<std::string> report(const Balances& balances) {
     for (const std::string& line : balanceLines(*balances.sim, *balances.plan, balances.balance))
         lines.push_back("  " + line);
     for (const std::string& line :
-         lostChangeLines(*balances.sim, *balances.plan, balances.lost, balances.measured, false))
+         lostChangeLines(*balances.sim, *balances.plan, balances.lost, balances.measured, hasRemainders(*balances.sim)))
         lines.push_back("  " + line);
     return lines;
 }
