@@ -158,14 +158,6 @@ FileResult readEnd(const std::string& path, std::size_t bytes, std::string& cont
     return result;
 }
 
-FileResult cutFile(const std::string& path, std::int64_t length) {
-    FileResult result;
-    const File file = openFile(path, Access::update, result);
-    errno = 0;
-    if (file && !cutTo(file.get(), length)) result = failure(errno);
-    return result;
-}
-
 FileResult writeFile(const std::string& path, std::string_view content) {
     return writeThrough(path, Access::replace, content);
 }

@@ -61,9 +61,6 @@ FileResult writeFile(const std::string& path, std::string_view content);
 /// Adds bytes at the end of a file, which is created if need be; at a fault it is left as it was.
 FileResult appendFile(const std::string& path, std::string_view content);
 
-/// Cuts what lies beyond so many bytes off a file.
-FileResult cutFile(const std::string& path, std::int64_t length);
-
 /// Replaces a file by way of a new one beside it: the name stands for the old content or the whole new one. See
 /// Replacement.
 FileResult replaceFile(const std::string& path, std::string_view content);

@@ -44,13 +44,17 @@ void enterEmptyFolder() {
     for (const fs::directory_entry& entry : fs::directory_iterator(ownFolder)) fs::remove_all(entry.path());
 }
 
-void limitMemory(std::size_t bytes) {
+MemoryLimit::MemoryLimit(std::size_t bytes) {
     std::ifstream pages("/proc/self/statm");
     std::size_t taken = 0;
     pages >> taken;
-    const rlim_t limit = taken * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)) + bytes;
-    const struct rlimit both = {limit, RLIM_INFINITY};
-    ::setrlimit(RLIMIT_AS, &both);
+    const struct rlimit limit = {taken * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)) + bytes, RLIM_INFINITY};
+    ::setrlimit(RLIMIT_AS, &limit);
+}
+
+MemoryLimit::~MemoryLimit() {
+    const struct rlimit none = {RLIM_INFINITY, RLIM_INFINITY};
+    ::setrlimit(RLIMIT_AS, &none);
 }
 
 void require(bool holds, const char* promise) {

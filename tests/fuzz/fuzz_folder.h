@@ -17,8 +17,14 @@ inline std::string_view asText(const std::uint8_t* bytes, std::size_t length) {
 /// Empties the folder of this process, which is the working directory from the first call on.
 void enterEmptyFolder();
 
-/// Lets the process take so many bytes more, so that a table that asks for much is refused by its own guard.
-void limitMemory(std::size_t bytes);
+/// Lets the process take so many bytes more as long as this lives, so that a table that asks for much is refused by its
+/// own guard.
+struct MemoryLimit {
+    explicit MemoryLimit(std::size_t bytes);
+    ~MemoryLimit();
+    MemoryLimit(const MemoryLimit&) = delete;
+    MemoryLimit& operator=(const MemoryLimit&) = delete;
+};
 
 /// Ends the process, as a broken promise of the program.
 void require(bool holds, const char* promise);

@@ -12,7 +12,7 @@ using namespace norvane;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t length) {
     enterEmptyFolder();
-    limitMemory(std::size_t{1} << 27);
+    const MemoryLimit limit(std::size_t{1} << 25);
     FuzzProgram fuzz(30);
     fuzz.load(asText(bytes, length));
     if (fuzz.sim.nCells == 0 || stateBytes(fuzz.sim.nDim, fuzz.sim.nsMax, fuzz.sim.nCells) > 1e7) return 0;

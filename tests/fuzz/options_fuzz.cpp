@@ -33,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t len
             words.back() += words.size() == 1 ? std::string() : std::string(1, c);
     if (!std::all_of(words.begin(), words.end(), mayBeTried)) return 0;
     enterEmptyFolder();
-    limitMemory(std::size_t{1} << 28);
+    const MemoryLimit limit(std::size_t{1} << 28);
     writeBytes("m.gmt", smallTable);
     writeBytes("m_rad", "1 1 2\n1 2 0.1 0.2\n3 0 0.1 1\n");
     std::vector<char*> arguments;

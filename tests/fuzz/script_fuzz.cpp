@@ -15,7 +15,7 @@ struct Ended {};
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t length) {
     enterEmptyFolder();
-    limitMemory(std::size_t{1} << 27);
+    const MemoryLimit limit(std::size_t{1} << 25);
     writeBytes("m_rad", "1 1 2\n1 2 0.1 0.2\n3 0 0.1 1\n");
     FuzzProgram fuzz;
     writeBytes("m.gmt", smallTable);

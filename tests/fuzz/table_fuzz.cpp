@@ -7,7 +7,7 @@ using namespace norvane;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t length) {
     enterEmptyFolder();
-    limitMemory(std::size_t{1} << 27);
+    const MemoryLimit limit(std::size_t{1} << 25);
     writeBytes("m.gmt", asText(bytes, length));
     const Checkup checkup = checkGeometry("m.gmt");
     require(checkup.summary.cells > 0 || checkup.findings.errors > 0, "a table without cells is told");

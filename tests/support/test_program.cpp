@@ -104,7 +104,9 @@ void computeSlopes(SimState& sim, int stage) {
     computeSlopes(sim, plan, stage);
 }
 
-std::uint64_t stateHash(const SimState& sim) {
+std::uint64_t stateHash(const SimState& sim) { return stateHash(sim, sim.nsMax); }
+
+std::uint64_t stateHash(const SimState& sim, int lastSpecies) {
     std::uint64_t hash = 1469598103934665603u;
     const auto add = [&](float value) {
         std::uint32_t bits = 0;
@@ -113,7 +115,7 @@ std::uint64_t stateHash(const SimState& sim) {
     };
     for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
         for (int slot = 0; slot <= workSlot; ++slot) {
-            for (int species = 0; species <= sim.nsMax; ++species) add(sim.stageSpecies(slot, species, cell));
+            for (int species = 0; species <= lastSpecies; ++species) add(sim.stageSpecies(slot, species, cell));
             add(sim.stageEnergy(slot, cell));
             for (int dim = 1; dim <= sim.nDim; ++dim) add(sim.stageMomentum(slot, cell, dim));
         }

@@ -58,4 +58,7 @@ void computeSlopes(SimState& sim, int stage);
 /// A hash of all conserved and primitive fields of the cells, equal only for equal bit patterns (but for accidents).
 std::uint64_t stateHash(const SimState& sim);
 
+/// The same without the masses of the species after one.
+std::uint64_t stateHash(const SimState& sim, int lastSpecies);
+
 } // namespace norvane
