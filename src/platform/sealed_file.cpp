@@ -78,16 +78,23 @@ bool keepOlder(const std::string& path, const std::string& older, std::error_cod
 
 } // namespace
 
-FileResult sealFile(const std::string& path) {
+FileResult writeSealed(const std::string& path, std::string_view content) {
     FileResult result;
-    const File file = openFile(path, Access::update, result);
+    File file = openFile(path, Access::replace, result);
     if (!file) return result;
     Crc64 crc;
+    crc.add(content);
     errno = 0;
-    const std::int64_t length = lengthOf(file.get());
-    const bool sealed = length >= 0 && addBytes(file.get(), length, crc) && seekTo(file.get(), length)
-                        && writeAll(file.get(), sealOf(crc.value())) && flushToDisc(file.get());
-    return sealed ? FileResult{} : failure(errno);
+    bool written =
+        writeAll(file.get(), content) && writeAll(file.get(), sealOf(crc.value())) && flushToDisc(file.get());
+    int number = errno;
+    if (std::fclose(file.release()) != 0 && written) {
+        written = false;
+        number = errno;
+    }
+    if (written) return {};
+    removeFile(path);
+    return failure(number);
 }
 
 FileResult checkSeal(const std::string& path, bool& whole) {

@@ -172,9 +172,11 @@ TEST_F(Resumed, survivesFiftyKills) {
         bool ended = false;
         while (!ended) {
             std::vector<std::string> options = {"--checkpoint-every", "2", "--threads", std::to_string(kills % 3 + 1)};
-            if (fs::exists("m_checkpoint.nc")) options.emplace_back("--resume");
-            Checkpoint checkpoint;
-            if (fs::exists("m_checkpoint.nc")) ASSERT_EQ(readCheckpoint("m_checkpoint.nc", checkpoint), "");
+            if (fs::exists("m_checkpoint.nc")) {
+                Checkpoint checkpoint;
+                ASSERT_EQ(readCheckpoint("m_checkpoint.nc", checkpoint), "");
+                options.emplace_back("--resume");
+            }
             Process process(with(options));
             const auto began = stampOf("m_checkpoint.nc");
             for (int change = pick(random, 1, 4); change > 0 && process.runs();)
