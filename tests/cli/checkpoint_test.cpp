@@ -32,10 +32,13 @@ int pick(Random& random, int low, int high) { return std::uniform_int_distributi
 /// A model with species, ramps, held values, walls, gravity and drag, whose cells are drawn at random.
 std::string drawing(Random& random, int columns, int rows, int layers) {
     static constexpr const char* items[] = {"WV 0;2", "WV 1;-2:VV 1;5", "WV 1;-1:VV 1;-2", "WT -1:TT 350", "WP -1",
-                                            "RR 50",  "WC -1:CC 1;0.2", "WC 1:CC 1;0.5",   "TT 330",       "WV 1;1",
-                                            "WT 1",   "VV 1;3",         "WP 1:WT 1"};
+                                            "RR 50",  "WC -1:CC 1;0.2", "TT 330",          "WV 1;1",       "WT 1",
+                                            "VV 1;3", "WP 1:WT 1",      "WC 1:CC 1;0.3"};
     const std::string tabs(static_cast<std::size_t>(columns) - 1, '\t');
-    std::string table = "DT 5E-6:NT 240:UT 50:ST 37:LT 3:TR 150:NS 1:DD 0;0.01:TT 300:LA 0.5:ET 0.01:GG 1;9.81" + tabs;
+    std::string table = "DT 5E-6:NT 240:UT 50:ST 37:LT 3:TR 150:NS 1:DD 0;0.01:TT 300:LA 0.5:ET 0.01:GG 1;9.81:GP "
+                        "11;1:GP 13;0.1:GP 14;1000:"
+                        "GP 15;0.01"
+                        + tabs;
     for (int layer = 0; layer < layers; ++layer) {
         table += "\nL" + tabs;
         for (int row = 0; row < rows; ++row) {
