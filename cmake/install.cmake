@@ -2,7 +2,7 @@
 # program. The desktop program installs itself, with its icon and menu entry.
 include(CMakePackageConfigHelpers)
 
-set(floors platform core geometry display exchange check shell)
+set(floors platform core geometry display exchange check verify shell)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/norvane)
 foreach(floor ${floors})
     install(TARGETS norvane_${floor} EXPORT norvane ARCHIVE)

@@ -39,9 +39,33 @@ constexpr CellField table[] = {
     {"wallConcentration", &S::wallConcentration, C::one, kept, "", "wall code of the concentrations"},
 };
 
+constexpr CellField remainderTable[] = {
+    {"speciesRemainder", &S::speciesRemainder, C::species, kept, "kg", "what the masses lost to rounding"},
+    {"energyRemainder", &S::energyRemainder, C::one, kept, "J", "what the heat content lost to rounding"},
+    {"momentumRemainder", &S::momentumRemainder, C::dimensions, kept, "kg m/s", "what the momentum lost to rounding"},
+};
+
+template <class T>
+void addKind(FieldSize& size, Array<T> SimState::*) {
+    size.valueBytes = sizeof(T);
+}
+
+template <class T>
+void addKind(FieldSize& size, CellTable<T> SimState::*) {
+    size.valueBytes = sizeof(T);
+}
+
+template <class Slots>
+void addKind(FieldSize& size, Slots SimState::*) {
+    size.valueBytes = sizeof(float);
+    size.arrays *= Slots::slots;
+}
+
 } // namespace
 
 std::span<const CellField> cellFields() { return table; }
+
+std::span<const CellField> remainderFields() { return remainderTable; }
 
 ComponentRange componentRange(FieldComponents components, int nDim, int nsMax) {
     switch (components) {
@@ -50,6 +74,12 @@ ComponentRange componentRange(FieldComponents components, int nDim, int nsMax) {
     case FieldComponents::species: return {0, nsMax};
     default: return {0, 0};
     }
+}
+
+FieldSize sizeOf(const CellField& field, int nDim, int nsMax) {
+    FieldSize size{static_cast<std::size_t>(componentRange(field.components, nDim, nsMax).count())};
+    std::visit([&](auto member) { addKind(size, member); }, field.member);
+    return size;
 }
 
 } // namespace norvane

@@ -4,6 +4,7 @@
 
 #include "core/sim_state.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <variant>
@@ -44,6 +45,9 @@ struct CellField {
 /// In the order in which they are allocated, which decides the cache colour of each.
 std::span<const CellField> cellFields();
 
+/// The fields that exist in compensated runs alone (core/remainders.h), which allocates them apart from the others.
+std::span<const CellField> remainderFields();
+
 struct ComponentRange {
     int first;
     int last;
@@ -53,5 +57,13 @@ struct ComponentRange {
 
 /// The components of a field on a grid; 0 to 0 where it has one value a cell.
 ComponentRange componentRange(FieldComponents components, int nDim, int nsMax);
+
+/// How many arrays of a value for each cell a field is made of, each with a cache colour of its own.
+struct FieldSize {
+    std::size_t arrays = 0;
+    std::size_t valueBytes = 0;
+};
+
+FieldSize sizeOf(const CellField& field, int nDim, int nsMax);
 
 } // namespace norvane

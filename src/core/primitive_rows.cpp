@@ -8,10 +8,12 @@ namespace {
 
 /// `stage` [1..4]: a trial follows the slope of the stage before.
 template <class Slots>
-ConservedRows conservedRows(Slots& slots, int work, std::int64_t component, std::int64_t first, int stage) {
+ConservedRows conservedRows(
+    Slots& slots, CellTable<float>* remainders, int work, std::int64_t component, std::int64_t first, int stage) {
     ConservedRows rows;
     rows.work = slots.slot(work).component(component) + first;
     rows.committed = slots.slot(committedSlot).component(component) + first;
+    if (remainders != nullptr) rows.remainder = remainders->component(component) + first;
     for (int k = 1; k <= 4; ++k) rows.slopes[k] = slots.slot(k).component(component) + first;
     rows.stage = stage - 1;
     rows.stride = slots.slot(work).componentStride();
@@ -42,9 +44,11 @@ PrimitiveRows primitiveRows(SimState& sim, const StagePlan& plan, std::int64_t r
     p.increment = stage == 1 || stage == 4 ? double(sim.dt) : double(sim.dt) * 0.5;
     p.gasFactor = sim.gasFactor;
     p.densityFloor = sim.rhoFloor;
-    p.species = conservedRows(sim.stageSpecies, sim.stageWork, 0, first, stage);
-    p.energy = conservedRows(sim.stageEnergy, sim.stageWork, 0, first, stage);
-    p.momentum = conservedRows(sim.stageMomentum, sim.stageWork, 1, first, stage);
+    const bool compensated = forming == Forming::compensated || forming == Forming::compensatedTrial;
+    const auto remainders = [&](CellTable<float>& table) { return compensated ? &table : nullptr; };
+    p.species = conservedRows(sim.stageSpecies, remainders(sim.speciesRemainder), sim.stageWork, 0, first, stage);
+    p.energy = conservedRows(sim.stageEnergy, remainders(sim.energyRemainder), sim.stageWork, 0, first, stage);
+    p.momentum = conservedRows(sim.stageMomentum, remainders(sim.momentumRemainder), sim.stageWork, 1, first, stage);
     p.volume = plan.volume.row(row);
     p.capacity = plan.capacity.row(row);
     p.mass = &sim.cellMass[first];
@@ -75,7 +79,9 @@ void recoverPrimitives(
     const float velocity = sim.velocity(last, 1);
     const bool dense = plan.kernels->recoverPrimitives(p);
     if (plan.rowTraits[row].closedEnd) {
-        if (forming == Forming::completed) sim.stageMomentum(committedSlot, last, 1) = momentum;
+        if (forming == Forming::completed || forming == Forming::compensated)
+            sim.stageMomentum(committedSlot, last, 1) = momentum;
+        if (forming == Forming::compensated) sim.momentumRemainder(last, 1) = 0;
         sim.stageMomentum(sim.stageWork, last, 1) = momentum;
         sim.velocity(last, 1) = velocity;
     }

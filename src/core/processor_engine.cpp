@@ -1,6 +1,7 @@
 #include "core/processor_engine.h"
 
 #include "core/primitive_rows.h"
+#include "core/remainders.h"
 #include "core/resting_rows.h"
 #include "core/slope_rows.h"
 #include "core/source_terms.h"
@@ -119,12 +120,17 @@ bool isDense(const SimState& sim, const StagePlan& plan, std::int64_t row) {
     return std::all_of(first, first + plan.rowCells, [&](float density) { return density > sim.rhoFloor; });
 }
 
+Forming formingOf(const SimState& sim, int stage) {
+    if (hasRemainders(sim)) return stage == 1 ? Forming::compensated : Forming::compensatedTrial;
+    return stage == 1 ? Forming::completed : Forming::trial;
+}
+
 const auto nothing = [](StageWorkspace&, std::int64_t) {};
 
 } // namespace
 
 void runStage(SimState& sim, StagePlan& plan, int stage, const FaultSink& fault) {
-    const Forming forming = stage == 1 ? Forming::completed : Forming::trial;
+    const Forming forming = formingOf(sim, stage);
     reviewResting(sim, plan);
     sweepRows(
         plan,

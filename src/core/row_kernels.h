@@ -18,13 +18,15 @@ struct ComponentRows {
     Value* row(int component) const { return first + component * stride; }
 };
 
-/// The work state is kept, formed as the trial state of a stage, or as the state at the end of a completed step.
-enum class Forming { none, trial, completed };
+/// The work state is kept, formed as the trial state of a stage, or as the state at the end of a completed step. The
+/// compensated ones add the remainders of the committed state; the completed one leaves new remainders.
+enum class Forming { none, trial, completed, compensatedTrial, compensated };
 
 /// Conserved quantities of the cells of a row in all slots, a row for each component: kg, J or kg m/s, slopes per s.
 struct ConservedRows {
     float* work = nullptr;
     float* committed = nullptr;
+    float* remainder = nullptr;  ///< of the committed state; null where none is kept
     const float* slopes[5] = {}; ///< of the stages [1..4]
     int stage = 0;               ///< whose slope a trial state follows
     std::int64_t stride = 0;     ///< from a component to the next one
@@ -68,6 +70,7 @@ struct FaceRows {
     std::int64_t toUpper = 0;                ///< from a cell to its upper neighbour; 0 where no cell has one
     bool startsSums = false;                 ///< the slopes begin with these faces, from 0
     bool constant = false;                   ///< all coefficients are the same along the row
+    bool sumsInDouble = false;               ///< the slopes are rounded after both faces, not after each term
     const std::int64_t* lowerMask = nullptr; ///< all bits: the face is open to the mass flow, 0: not; null: all are
     const std::int64_t* upperMask = nullptr; ///< the same; null together with lowerMask
 
@@ -106,7 +109,7 @@ struct CellForceRows {
 struct RowKernels {
     const char* name; ///< of the instruction set
 
-    /// (S1) to (S3), (P1) to (P6). Gives whether all cells are denser than the floor.
+    /// (S1) to (S5), (P1) to (P6). Gives whether all cells are denser than the floor.
     bool (*recoverPrimitives)(const PrimitiveRows& rows);
 
     /// mask = whether the upper face of a cell is open: no positive code, and a donor denser than the floor.

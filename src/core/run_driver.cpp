@@ -2,6 +2,7 @@
 
 #include "core/checkstop.h"
 #include "core/processor_engine.h"
+#include "core/remainders.h"
 #include "core/source_terms.h"
 
 #include <algorithm>
@@ -125,6 +126,7 @@ std::optional<Run> prepareRun(SimState& sim, const RunEvents& events, const RunO
             events.showMessage("No geometry");
             return std::nullopt;
         }
+        fitRemainders(sim);
         for (const Output& output : operations.outputs)
             if (isFirst && output.start) output.start(sim);
         reportSkippedPairs(sim, events);

@@ -1,6 +1,7 @@
 #include "core/sim_state.h"
 
 #include "core/cell_fields.h"
+#include "core/remainders.h"
 
 #include <new>
 #include <stdexcept>
@@ -27,28 +28,6 @@ struct FieldAllocator {
     }
 };
 
-/// Arrays of so many values that a field is made of, and the bytes of a value.
-struct FieldSize {
-    double arrays = 1; ///< in: components
-    std::size_t valueBytes = 0;
-
-    template <class T>
-    void operator()(Array<T> SimState::*) {
-        valueBytes = sizeof(T);
-    }
-
-    template <class T>
-    void operator()(CellTable<T> SimState::*) {
-        valueBytes = sizeof(T);
-    }
-
-    template <class Slots>
-    void operator()(Slots SimState::*) {
-        valueBytes = sizeof(float);
-        arrays *= Slots::slots;
-    }
-};
-
 void allocateArrays(SimState& sim) {
     const std::int64_t dims = sim.nDim;
     sim.cellStride.allocate(1, dims + 1);
@@ -62,6 +41,17 @@ void allocateArrays(SimState& sim) {
         allocate.range = componentRange(field.components, sim.nDim, sim.nsMax);
         std::visit(allocate, field.member);
     }
+    dropRemainders(sim);
+}
+
+double bytesOf(std::span<const CellField> fields, int nDim, int nsMax, std::int64_t nCells) {
+    const auto cells = static_cast<std::size_t>(nCells) + 1; // an array takes more than its values, for its colour
+    double bytes = 0;
+    for (const CellField& field : fields) {
+        const FieldSize size = sizeOf(field, nDim, nsMax);
+        bytes += static_cast<double>(size.arrays) * static_cast<double>(CacheColour::distance(cells * size.valueBytes));
+    }
+    return bytes;
 }
 
 } // namespace
@@ -77,15 +67,10 @@ bool allocateState(SimState& sim) {
     return false;
 }
 
-double stateBytes(int nDim, int nsMax, std::int64_t nCells) {
-    const auto cells = static_cast<std::size_t>(nCells) + 1; // an array takes more than its values, for its colour
-    double bytes = 0;
-    for (const CellField& field : cellFields()) {
-        FieldSize size{static_cast<double>(componentRange(field.components, nDim, nsMax).count())};
-        std::visit([&](auto member) { size(member); }, field.member);
-        bytes += size.arrays * static_cast<double>(CacheColour::distance(cells * size.valueBytes));
-    }
-    return bytes;
+double stateBytes(int nDim, int nsMax, std::int64_t nCells) { return bytesOf(cellFields(), nDim, nsMax, nCells); }
+
+double remainderBytes(int nDim, int nsMax, std::int64_t nCells) {
+    return bytesOf(remainderFields(), nDim, nsMax, nCells);
 }
 
 void clearGeometry(SimState& sim) {

@@ -139,6 +139,13 @@ struct SimState {
     EnergySlots stageEnergy;
     MomentumSlots stageMomentum;
 
+    /// What rounding took from slot 0 in the latest commit, and the next one adds ((S5) of docs/equations.md); 0 where
+    /// the quantity is held. They exist from the start of a run with `compensated` on (core/remainders.h). Whoever
+    /// writes slot 0 from outside writes these as well, as a rule 0.
+    CellTable<float> speciesRemainder;  ///< [0..nCells][0..nsMax] kg
+    CellTable<float> energyRemainder;   ///< [0..nCells][0..0] J
+    CellTable<float> momentumRemainder; ///< [0..nCells][1..nDim] kg m/s
+
     // --- primitive fields, derived from the work slot: what slopes and plots read --------------------------------
     Array<float> cellMass;          ///< [0..nCells] kg
     Array<float> density;           ///< [0..nCells] kg/m3 (RH)
@@ -169,6 +176,7 @@ struct SimState {
 
     // --- book-keeping of the loop --------------------------------------------------------------------------------
     int threads = 0;                        ///< of a run; 0: as suits the grid and the machine
+    bool compensated = false;               ///< the next run keeps remainders
     std::uint64_t revision = 0;             ///< raised by whatever writes fields besides the stages of a run
     int runDepth = 0;                       ///< runs that are under way, each suspended in a yield of the next
     bool loading = false;                   ///< a load is under way
@@ -187,6 +195,9 @@ bool allocateState(SimState& sim);
 
 /// Bytes that allocateState needs for such a grid, the texts of the table not counted.
 double stateBytes(int nDim, int nsMax, std::int64_t nCells);
+
+/// Bytes of the remainders of such a grid.
+double remainderBytes(int nDim, int nsMax, std::int64_t nCells);
 
 /// Forgets the geometry: runMode modeStart, nDim and nCells 0, arrays of a grid without cells, so that no command finds
 /// a mix of two grids.

@@ -19,10 +19,6 @@ constexpr int rateTime = 15;           ///< s, at 973 K
 
 bool hasSink(const SimState& sim, std::int32_t cell) { return isImposed(sim.wallPressure[cell]); }
 
-bool hasExchange(const SimState& sim, std::int32_t cell) {
-    return exchangesSpecies(sim.wallConcentration[cell]) && sim.nsMax >= 1;
-}
-
 } // namespace
 
 // The masses of a pressure-held cell are not integrated: what the faces bring in leaves again at the cell's own
@@ -37,9 +33,11 @@ void addSink(SimState& sim, int stage, std::int32_t cell) {
         accumulate(sim.stageMomentum(stage, cell, dim), makeUp * double(sim.velocity(cell, dim)));
 }
 
-// What leaves species 1 becomes species 0 and takes heat with it.
-void addSpeciesExchange(SimState& sim, int stage, std::int32_t cell) {
-    if (!hasExchange(sim, cell)) return;
+bool hasSpeciesExchange(const SimState& sim, std::int32_t cell) {
+    return exchangesSpecies(sim.wallConcentration[cell]) && sim.nsMax >= 1;
+}
+
+double speciesExchangeFlow(const SimState& sim, std::int32_t cell) {
     const auto parameter = [&](int number) { return double(sim.paramGP[number]); };
     const double temperature = sim.temperature[cell];
     const double growth = parameter(balanceFactor) * exponential(parameter(balanceTemperature) / temperature);
@@ -50,11 +48,16 @@ void addSpeciesExchange(SimState& sim, int stage, std::int32_t cell) {
     // The full dt in every stage, not the stage step: the cap bounds what one whole step may exchange.
     const double cap = 0.5 / double(sim.dt);
     if (rate > cap) rate = cap;
+    return (double(sim.concentration(cell, 1)) - balance) * double(sim.cellMass[cell]) * rate;
+}
 
-    const double flow = (double(sim.concentration(cell, 1)) - balance) * double(sim.cellMass[cell]) * rate; // kg/s
+// What leaves species 1 becomes species 0 and takes heat with it.
+void addSpeciesExchange(SimState& sim, int stage, std::int32_t cell) {
+    if (!hasSpeciesExchange(sim, cell)) return;
+    const double flow = speciesExchangeFlow(sim, cell);
     accumulate(sim.stageSpecies(stage, 1, cell), -flow);
     accumulate(sim.stageSpecies(stage, 0, cell), flow);
-    accumulate(sim.stageEnergy(stage, cell), -(flow * 208 * 1000 * 1000 / 16)); // 208 kJ/mol, 16 g/mol
+    accumulate(sim.stageEnergy(stage, cell), -speciesExchangeHeat(flow));
 }
 
 namespace {
@@ -78,7 +81,7 @@ constexpr CellTerm term(const char* name) {
 // A sink takes away what all terms before it have brought: forces on the momentum stand above it.
 constexpr CellTerm terms[] = {
     term<hasSink, addSink>("Sink of a pressure-held cell"),
-    term<hasExchange, addSpeciesExchange>("Exchange of species 0 and 1"),
+    term<hasSpeciesExchange, addSpeciesExchange>("Exchange of species 0 and 1"),
 };
 
 } // namespace
@@ -96,16 +99,21 @@ bool pairInGrid(const SimState& sim, std::int32_t pair) {
     return sim.radPair[0][pair] >= 1 && sim.radPair[0][pair] <= sim.nCells && second <= sim.nCells;
 }
 
+float radiatedPower(const SimState& sim, std::int32_t pair) {
+    const std::int32_t first = sim.radPair[0][pair];
+    const std::int32_t second = std::abs(sim.radPair[1][pair]);
+    // The root scales the temperatures, so that their fourth powers are emissive powers in W/m2.
+    const auto firstScaled = static_cast<float>(sim.sigmaRoot * double(sim.temperature[first]));
+    const auto secondScaled = static_cast<float>(sim.sigmaRoot * double(sim.temperature[second]));
+    return static_cast<float>((fourthPower(firstScaled) - fourthPower(secondScaled)) * double(sim.radFactor[pair]));
+}
+
 void radiationPairs(SimState& sim, int stage) {
     for (std::int32_t pair = 1; pair <= sim.radPairCount; ++pair) {
         if (!pairInGrid(sim, pair)) continue;
         const std::int32_t first = sim.radPair[0][pair];
         const std::int32_t second = std::abs(sim.radPair[1][pair]);
-        // The root scales the temperatures, so that their fourth powers are emissive powers in W/m2.
-        const auto firstScaled = static_cast<float>(sim.sigmaRoot * double(sim.temperature[first]));
-        const auto secondScaled = static_cast<float>(sim.sigmaRoot * double(sim.temperature[second]));
-        const auto flow =
-            static_cast<float>((fourthPower(firstScaled) - fourthPower(secondScaled)) * double(sim.radFactor[pair]));
+        const float flow = radiatedPower(sim, pair);
         if (sim.wallTemperature[first] <= 0) accumulate(sim.stageEnergy(stage, first), -double(flow));
         if (second >= 1 && sim.wallTemperature[second] <= 0) accumulate(sim.stageEnergy(stage, second), double(flow));
     }

@@ -34,10 +34,22 @@ void addSink(SimState& sim, int stage, std::int32_t cell);
 /// Source: law of Arrhenius for the rate, with a cap of half the species in one time step.
 void addSpeciesExchange(SimState& sim, int stage, std::int32_t cell);
 
+/// Whether (10) acts in a cell.
+bool hasSpeciesExchange(const SimState& sim, std::int32_t cell);
+
+/// What passes from species 1 to species 0 in a cell in which (10) acts, kg/s.
+double speciesExchangeFlow(const SimState& sim, std::int32_t cell);
+
+/// The heat that goes with such a flow, W: 208 kJ/mol at 16 g/mol.
+inline double speciesExchangeHeat(double flow) { return flow * 208 * 1000 * 1000 / 16; }
+
 /// (11) Adds the radiation between the cells of all pairs to the energy slopes, W. Cell 0 as second cell stands for the
 /// surroundings at temperature[0]. A pair with a cell that the grid does not have is skipped.
 /// Source: Stefan-Boltzmann law, with the exchange factor of the pair in m2.
 void radiationPairs(SimState& sim, int stage);
+
+/// What the first cell of a pair that is in the grid radiates to the second, W.
+float radiatedPower(const SimState& sim, std::int32_t pair);
 
 /// Whether both cells of a pair [1..radPairCount] exist, so that the stage does not skip it.
 bool pairInGrid(const SimState& sim, std::int32_t pair);

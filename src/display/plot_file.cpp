@@ -8,19 +8,16 @@ namespace norvane {
 
 namespace {
 
-/// Moves what has been gathered to the file. After a fault nothing more is tried.
+/// Moves what has been gathered to the file.
 void flush(PlotFile& file) {
-    if (file.result) file.result = file.started ? appendFile(file.path, file.text) : writeFile(file.path, file.text);
-    file.started = true;
+    file.file->add(file.text);
     file.text.clear();
 }
 
 } // namespace
 
 PlotFile openPlotFile(const SimState& sim) {
-    PlotFile file;
-    file.path = joinPath(sim.inputDir, sim.outName);
-    return file;
+    return {{}, std::make_unique<Replacement>(joinPath(sim.inputDir, sim.outName))};
 }
 
 void reserveEntries(PlotFile& file, double entries) {
@@ -36,10 +33,11 @@ void writePlotEntry(PlotFile& file, bool startsLine, float value) {
 }
 
 void closePlotFile(PlotFile& file, SimState& sim, const Interface& ui) {
-    if (!file.started || !file.text.empty()) flush(file);
-    if (file.result || sim.reported.plotFile) return;
+    flush(file);
+    const FileResult result = file.file->finish();
+    if (result || sim.reported.plotFile) return;
     sim.reported.plotFile = true;
-    ui.showMessage("The plot file " + sim.outName + " can't be written: " + file.result.reason
+    ui.showMessage("The plot file " + sim.outName + " can't be written: " + result.reason
                    + (sim.runDepth > 0 ? ".\r\nThe run goes on without it." : ".\r\nThe plot is shown without it."));
 }
 

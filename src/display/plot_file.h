@@ -4,7 +4,9 @@
 #include "core/sim_state.h"
 #include "platform/files.h"
 #include "platform/interface.h"
+#include "platform/replacement.h"
 
+#include <memory>
 #include <string>
 
 namespace norvane {
@@ -12,10 +14,8 @@ namespace norvane {
 /// The table of one plot while it is made. It is kept in memory and written when it is closed; only a table beyond
 /// plotFileBlock bytes goes to the file piece by piece.
 struct PlotFile {
-    std::string path;
     std::string text;
-    FileResult result;    ///< of what has been written so far
-    bool started = false; ///< the file holds the first piece
+    std::unique_ptr<Replacement> file; ///< takes the text, and the name when the table is closed
 };
 
 constexpr std::size_t plotFileBlock = std::size_t{1} << 24;

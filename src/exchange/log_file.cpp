@@ -42,7 +42,9 @@ void startLog(SimState& sim, const RunEvents& events) {
 
 void writeLogLine(SimState& sim, const RunEvents& events) {
     const std::int32_t cell = logCell(sim);
-    if (cell == 0) return;
+    // After a fault the log has ended: a line left out would shift those after it, and behind a log that could not be
+    // emptied they would go on another run's.
+    if (cell == 0 || sim.reported.log) return;
     std::string line;
     appendFramed(line, sim.velocity(cell, 1));
     line += '\t';

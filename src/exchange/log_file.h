@@ -14,7 +14,7 @@ std::int32_t logCell(const SimState& sim);
 /// Empties the log of an earlier run, creating the file if need be. A fault is reported once for a run.
 void startLog(SimState& sim, const RunEvents& events);
 
-/// Adds the line of this step; nothing on a grid without cells. A fault is reported once for a run.
+/// Adds the line of this step; nothing on a grid without cells. A fault is reported, and the log of the run ends there.
 void writeLogLine(SimState& sim, const RunEvents& events);
 
 } // namespace norvane

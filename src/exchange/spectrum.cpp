@@ -3,7 +3,7 @@
 #include "core/number_text.h"
 #include "platform/available_memory.h"
 #include "platform/files.h"
-#include "platform/safe_file.h"
+#include "platform/terminal_text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -143,7 +143,8 @@ void exportSpectrum(SimState& sim, Interface& ui) {
         writeSpectrum(sim, ui, toInt32(*number));
 }
 
-bool writeSpectrum(SimState& sim, Interface& ui, std::int32_t pointCount) {
+bool writeSpectrum(SimState& sim, Interface& ui, std::int32_t pointCount, const std::string& path) {
+    const std::string target = path.empty() ? spectrumPath(sim) : path;
     if (pointCount < 0) {
         ui.showMessage("The number of frequency points can't be below 0. No spectrum is written.");
         return false;
@@ -153,16 +154,17 @@ bool writeSpectrum(SimState& sim, Interface& ui, std::int32_t pointCount) {
         ui.showMessage(tooManyText);
         return false;
     }
-    const FileResult opened = tryOpenForWriting(spectrumPath(sim));
+    const FileResult opened = tryOpenForWriting(target);
     sim.openError = opened.error;
     if (!opened) {
         ui.showMessage(
-            {"An error occured opening the file", ReportKind::note, 0, std::string(fileName) + ": " + opened.reason});
+            {"An error occured opening the file", ReportKind::note, 0, nameOf(target) + ": " + opened.reason});
         return false;
     }
-    const OverwriteResult written = overwriteFile(spectrumPath(sim), text);
+    const FileResult written = replaceFile(target, text);
     if (!written) {
-        ui.showMessage(std::string("The spectrum file ") + fileName + " can't be written: " + written.reason + ".");
+        ui.showMessage("The spectrum file " + printableName(nameOf(target)) + " can't be written: " + written.reason
+                       + ".");
         return false;
     }
     ui.beep();

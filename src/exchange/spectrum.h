@@ -5,6 +5,7 @@
 #include "platform/interface.h"
 
 #include <cstdint>
+#include <string>
 
 namespace norvane {
 
@@ -21,7 +22,8 @@ void exportSpectrum(SimState& sim, Interface& ui);
 /// is 0 where that edge is 0, as with one cell. Ends with a beep and a message, and gives true when the file is
 /// written. Changes openError and spectrumRandom, nothing else. Without a geometry the rows hold 0 and 0. Faults, each
 /// reported by a message: pointCount below 0; too many points for the memory; a file that can't be opened or written.
-bool writeSpectrum(SimState& sim, Interface& ui, std::int32_t pointCount);
+/// `path` names another file than "NV_spectrum" in inputDir.
+bool writeSpectrum(SimState& sim, Interface& ui, std::int32_t pointCount, const std::string& path = {});
 
 /// The next number of a sequence on [0, 1), the same on every platform.
 double nextUniform(RandomSequence& sequence);

@@ -295,4 +295,20 @@ bool recallState(SimState& sim, Interface& ui) {
     return true;
 }
 
+std::int32_t savedStep(const SimState& sim) {
+    std::string beginning;
+    const auto begin = [&] { beginning.clear(); };
+    const auto take = [&](std::string_view piece) {
+        beginning += piece;
+        return std::count(beginning.begin(), beginning.end(), '\n') < 2 && beginning.size() < 2 * longestItem;
+    };
+    bool disturbed = false;
+    if (!readWholeFile(statePath(sim), {begin, take}, disturbed)) return -1;
+    NumberItems items{beginning};
+    std::int32_t cells = 0;
+    std::int32_t step = -1;
+    const bool read = readWhole(items, cells) == ItemKind::number && readWhole(items, step) == ItemKind::number;
+    return read ? step : -1;
+}
+
 } // namespace norvane

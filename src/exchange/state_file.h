@@ -28,4 +28,7 @@ bool saveState(SimState& sim, Interface& ui);
 /// true when the state is taken.
 bool recallState(SimState& sim, Interface& ui);
 
+/// The step count that a state file begins with; -1 where there is none.
+std::int32_t savedStep(const SimState& sim);
+
 } // namespace norvane

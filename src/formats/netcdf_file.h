@@ -1,16 +1,20 @@
 #pragma once
 // A netCDF-4 file. The first fault stays: every later call does nothing, so that whoever writes a file asks once at
-// the end.
+// the end. The library holds one thread at a time: each call waits for those of other threads.
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace norvane {
+
+/// Whoever calls netCDF or HDF5 without NetcdfFile holds this meanwhile.
+std::recursive_mutex& netcdfMutex();
 
 /// How the values of a variable lie in the file.
 struct VariableLayout {

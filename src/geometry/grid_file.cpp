@@ -209,7 +209,8 @@ bool countCells(Load& load) {
 
 bool createArrays(Load& load) {
     SimState& sim = load.sim;
-    const double needed = stateBytes(sim.nDim, sim.nsMax, sim.nCells);
+    const double needed = stateBytes(sim.nDim, sim.nsMax, sim.nCells)
+                          + (sim.compensated ? remainderBytes(sim.nDim, sim.nsMax, sim.nCells) : 0);
     const double memory = availableMemory();
     if (memory == 0 || needed <= memory) {
         showCellStructure(sim, load.ui);

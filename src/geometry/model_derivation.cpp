@@ -1,4 +1,5 @@
 #include "core/addressing.h"
+#include "core/remainders.h"
 #include "core/wall_codes.h"
 #include "geometry/model_parts.h"
 
@@ -139,6 +140,7 @@ void deriveCoefficients(SimState& sim, const CellRange& cells) {
 } // namespace
 
 void deriveCells(SimState& sim, bool continues) {
+    if (!continues) clearRemainders(sim);
     forRanges(sim, [&](const CellRange& cells) {
         deriveVolumes(sim, cells);
         deriveFirstConcentrations(sim, cells);

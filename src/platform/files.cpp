@@ -1,6 +1,8 @@
 #include "platform/available_memory.h"
+#include "platform/file_faults.h"
 #include "platform/letter_case.h"
 #include "platform/open_file.h"
+#include "platform/replacement.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -32,7 +34,7 @@ FileResult writeThrough(const std::string& path, Access access, std::string_view
         return result;
     }
     errno = 0;
-    if (std::fclose(file.release()) != 0) return failure(errno); // some file systems report a full disc only here
+    if (!closeFile(std::move(file))) return failure(errno); // some file systems report a full disc only here
     return {};
 }
 
@@ -140,6 +142,22 @@ FileResult readBeginning(const std::string& path, std::size_t bytes, std::string
     return result;
 }
 
+FileResult readEnd(const std::string& path, std::size_t bytes, std::string& content) {
+    content.clear();
+    FileResult result;
+    const File file = openFile(path, Access::read, result);
+    if (!file) return result;
+    errno = 0;
+    const std::int64_t length = lengthOf(file.get());
+    const std::int64_t begin = std::max<std::int64_t>(length - static_cast<std::int64_t>(bytes), 0);
+    content.resize(bytes);
+    std::size_t got = 0;
+    const bool read = length >= 0 && seekTo(file.get(), begin) && readAll(file.get(), content.data(), bytes, got);
+    if (!read) result = failure(errno);
+    content.resize(got);
+    return result;
+}
+
 FileResult writeFile(const std::string& path, std::string_view content) {
     return writeThrough(path, Access::replace, content);
 }
@@ -149,36 +167,16 @@ FileResult appendFile(const std::string& path, std::string_view content) {
 }
 
 FileResult replaceFile(const std::string& path, std::string_view content) {
-    namespace fs = std::filesystem;
-    FileResult result;
-    const std::string target = outputTarget(path, result); // a link stays, and leads to the new file
-    if (!result) return result;
+    Replacement replacement(path);
+    replacement.add(content);
+    return replacement.finish();
+}
+
+FileResult renameFile(const std::string& from, const std::string& to) {
+    if (isToFail(FileOperation::rename)) return failure(errno);
     std::error_code failed;
-    const bool exists = fs::exists(target, failed);
-    if (exists && !fs::is_regular_file(target, failed))
-        return writeFile(path, content); // a device takes it as it comes
-    std::string beside;
-    File file;
-    for (int number = 0; !file && number < 100; ++number) {
-        beside = target + ".part" + std::to_string(number);
-        errno = 0;
-        file.reset(std::fopen(beside.c_str(), "wbx")); // never one that somebody else has made
-        if (!file && errno != EEXIST) return failure(errno);
-    }
-    if (!file) return failure(EEXIST);
-    std::setvbuf(file.get(), nullptr, _IONBF, 0);
-    errno = 0;
-    bool written = writeAll(file.get(), content);
-    int number = errno;
-    if (std::fclose(file.release()) != 0 && written) {
-        written = false;
-        number = errno;
-    }
-    if (written) fs::rename(beside, target, failed);
-    if (written && !failed) return {};
-    FileResult fault = written ? FileResult{failed.value(), failed.message()} : failure(number);
-    fs::remove(beside, failed);
-    return fault;
+    std::filesystem::rename(from, to, failed);
+    return failed ? FileResult{failed.value(), failed.message()} : FileResult{};
 }
 
 FileResult tryOpenForWriting(const std::string& path) {

@@ -52,15 +52,21 @@ FileResult readItems(const std::string& path, const ItemForm& form, std::string&
 /// Reads at most so many bytes from the beginning of a file.
 FileResult readBeginning(const std::string& path, std::size_t bytes, std::string& content);
 
+/// Reads at most so many bytes of the end of a file.
+FileResult readEnd(const std::string& path, std::size_t bytes, std::string& content);
+
 /// Replaces the content of a file, which is created if need be.
 FileResult writeFile(const std::string& path, std::string_view content);
 
 /// Adds bytes at the end of a file, which is created if need be; at a fault it is left as it was.
 FileResult appendFile(const std::string& path, std::string_view content);
 
-/// Replaces a file by way of a new one beside it: the name stands for the old content or the whole new one. A link
-/// stays a link. Nothing that others have made beside it is touched.
+/// Replaces a file by way of a new one beside it: the name stands for the old content or the whole new one. See
+/// Replacement.
 FileResult replaceFile(const std::string& path, std::string_view content);
+
+/// Gives a file another name, also one that another file has, which is replaced.
+FileResult renameFile(const std::string& from, const std::string& to);
 
 /// Opens for writing without changing the content, creating the file if need be, and closes: what a write would meet.
 FileResult tryOpenForWriting(const std::string& path);

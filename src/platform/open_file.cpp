@@ -1,5 +1,7 @@
 #include "platform/open_file.h"
 
+#include "platform/file_faults.h"
+
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
@@ -135,10 +137,29 @@ std::string outputTarget(const std::string& path, FileResult& result) {
 File openFile(const std::string& path, Access access, FileResult& result) {
     result = {};
     const std::string target = isWritten(access) ? outputTarget(path, result) : path;
+    if (result && isWritten(access) && isToFail(FileOperation::open)) result = failure(errno);
     if (!result) return nullptr;
     File file = openChecked(target, access, result);
     if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
     return file;
+}
+
+File createFile(const std::string& path, FileResult& result) {
+    result = {};
+    errno = 0;
+    File file(isToFail(FileOperation::open) ? nullptr : std::fopen(path.c_str(), "wbx"));
+    if (!file) {
+        result = failure(errno);
+        return file;
+    }
+    std::setvbuf(file.get(), nullptr, _IONBF, 0);
+    lockAtOnce(file.get());
+    return file;
+}
+
+bool closeFile(File file) {
+    const bool closed = std::fclose(file.release()) == 0;
+    return !isToFail(FileOperation::close) && closed;
 }
 
 bool isRegular(std::FILE* file) {
@@ -153,10 +174,13 @@ bool isRegular(std::FILE* file) {
 
 bool writeAll(std::FILE* file, std::string_view content) {
     while (!content.empty()) {
+        const FileFault fault = faultOf(FileOperation::write);
+        const std::string_view passing = content.substr(0, fault.mostBytes);
         errno = 0;
-        const std::size_t written = std::fwrite(content.data(), 1, content.size(), file);
+        const std::size_t written = std::fwrite(passing.data(), 1, passing.size(), file);
         content.remove_prefix(written);
-        if (content.empty()) break;
+        if (fault.error != 0) errno = fault.error;
+        if (content.empty() && fault.error == 0) break;
         if (errno != EINTR) return false; // a signal is no fault; some network file systems let one through
         std::clearerr(file);
     }
@@ -180,6 +204,7 @@ bool readAll(std::FILE* file, char* to, std::size_t length, std::size_t& got) {
 }
 
 bool flushToDisc(std::FILE* file) {
+    if (isToFail(FileOperation::flush)) return false;
 #ifdef _WIN32
     return ::_commit(::_fileno(file)) == 0;
 #else
@@ -191,6 +216,7 @@ bool flushToDisc(std::FILE* file) {
 }
 
 bool cutTo(std::FILE* file, std::int64_t length) {
+    if (isToFail(FileOperation::cut)) return false;
 #ifdef _WIN32
     return ::_chsize_s(::_fileno(file), length) == 0;
 #else
@@ -242,6 +268,15 @@ bool lockFile(std::FILE* file, bool exclusive, bool& waited) {
         waited = true;
         std::this_thread::sleep_for(2ms);
     }
+#endif
+}
+
+bool lockAtOnce(std::FILE* file) {
+#ifdef _WIN32
+    static_cast<void>(file);
+    return false;
+#else
+    return ::flock(::fileno(file), LOCK_EX | LOCK_NB) == 0;
 #endif
 }
 

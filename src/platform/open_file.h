@@ -26,6 +26,12 @@ enum class Access { read, update, replace, append };
 /// Streams are unbuffered: what is written is handed over whole, and a fault belongs to its write.
 File openFile(const std::string& path, Access access, FileResult& result);
 
+/// Makes a file that is not there yet, and holds its lock. One that is there is the fault EEXIST.
+File createFile(const std::string& path, FileResult& result);
+
+/// Closes a file that was written: some file systems report a fault only then, in errno.
+bool closeFile(File file);
+
 /// The file that an output to `path` goes to, links followed as openFile does; `result` is a failure where they must
 /// not be.
 std::string outputTarget(const std::string& path, FileResult& result);
@@ -52,5 +58,8 @@ std::int64_t fileSizeLimit();
 /// whether it is held; it ends when the file is closed. Where the system has no such locks there is nothing to wait
 /// for.
 bool lockFile(std::FILE* file, bool exclusive, bool& waited);
+
+/// Takes the lock where nobody has it.
+bool lockAtOnce(std::FILE* file);
 
 } // namespace norvane

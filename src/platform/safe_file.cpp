@@ -221,7 +221,7 @@ OverwriteResult overwriteFile(const std::string& path, std::string_view content)
     if (!file) return {opened, FileHolds::oldContent};
     OverwriteResult result = overwrite(file.get(), content);
     errno = 0;
-    const bool closed = std::fclose(file.release()) == 0;
+    const bool closed = closeFile(std::move(file));
     if (result && !closed) result = failed(errno, FileHolds::newContent);
     return result;
 

@@ -1,6 +1,7 @@
 #include "platform/sealed_file.h"
 
 #include "platform/checksum.h"
+#include "platform/file_faults.h"
 #include "platform/open_file.h"
 
 #include <algorithm>
@@ -52,6 +53,7 @@ FileResult flushFolder(const std::string& folder) {
 #ifdef _WIN32
     static_cast<void>(folder);
 #else
+    if (isToFail(FileOperation::flush)) return failure(errno);
     const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0) return failure(errno);
     const bool flushed = ::fsync(descriptor) == 0 || errno == EINVAL; // some file systems do so by themselves
@@ -63,17 +65,15 @@ FileResult flushFolder(const std::string& folder) {
 }
 
 /// `path` gets a second name, which takes the place of `older`.
-bool keepOlder(const std::string& path, const std::string& older, std::error_code& failed) {
+FileResult keepOlder(const std::string& path, const std::string& older) {
+    std::error_code failed;
     const std::string beside = older + ".link";
     fs::remove(beside, failed);
     fs::create_hard_link(path, beside, failed);
-    if (failed) { // a file system without them
-        fs::rename(path, older, failed);
-        return !failed;
-    }
-    fs::rename(beside, older, failed);
-    if (!failed) fs::remove(beside, failed); // two names of one file: a rename does nothing
-    return !failed;
+    if (failed) return renameFile(path, older); // a file system without them
+    FileResult renamed = renameFile(beside, older);
+    fs::remove(beside, failed); // two names of one file: a rename does nothing
+    return renamed;
 }
 
 } // namespace
@@ -85,16 +85,12 @@ FileResult writeSealed(const std::string& path, std::string_view content) {
     Crc64 crc;
     crc.add(content);
     errno = 0;
-    bool written =
-        writeAll(file.get(), content) && writeAll(file.get(), sealOf(crc.value())) && flushToDisc(file.get());
-    int number = errno;
-    if (std::fclose(file.release()) != 0 && written) {
-        written = false;
-        number = errno;
-    }
+    const bool written = writeAll(file.get(), content) && writeAll(file.get(), sealOf(crc.value()))
+                         && flushToDisc(file.get()) && closeFile(std::move(file));
     if (written) return {};
+    result = failure(errno);
     removeFile(path);
-    return failure(number);
+    return result;
 }
 
 FileResult checkSeal(const std::string& path, bool& whole) {
@@ -114,12 +110,11 @@ FileResult checkSeal(const std::string& path, bool& whole) {
 }
 
 FileResult publishFile(const std::string& fresh, const std::string& path, const std::string& older) {
-    std::error_code failed;
-    const bool keeps = !older.empty() && fs::exists(path, failed);
-    if (keeps && !keepOlder(path, older, failed)) return {failed.value(), failed.message()};
-    fs::rename(fresh, path, failed);
-    if (failed) return {failed.value(), failed.message()};
-    return flushFolder(folderOf(path));
+    std::error_code unknown;
+    const bool keeps = !older.empty() && fs::exists(path, unknown);
+    FileResult result = keeps ? keepOlder(path, older) : FileResult();
+    if (result) result = renameFile(fresh, path);
+    return result ? flushFolder(folderOf(path)) : result;
 }
 
 } // namespace norvane

@@ -109,7 +109,7 @@ private:
 /// A folder with a run that never stopped, and a second one in which the same run is stopped and resumed.
 class Resumed : public testing::Test {
 protected:
-    void draw(Random& random, int columns, int rows, int layers) {
+    void draw(Random& random, int columns, int rows, int layers, bool compensated = false) {
         const std::string table = drawing(random, columns, rows, layers);
         for (const char* folder : {"whole", "parts"}) {
             fs::remove_all(folder);
@@ -118,6 +118,7 @@ protected:
             test.write(std::string(folder) + "/m_rad", "0 0 3\r\n1 2 1E-4 0.5\r\n3 0 1E-4 1\r\n2 5 2E-4 0.3\r\n");
         }
         arguments = {"-q", "--force", "--radiation", "--snapshots", "45"};
+        if (compensated) arguments.emplace_back("--compensated");
         fs::current_path(test.folder / "whole");
         ASSERT_EQ(run({"--checkpoint-every", "100000"}), 0);
         fs::current_path(test.folder / "parts");
@@ -148,7 +149,7 @@ TEST_F(Resumed, leavesTheFilesOfARunThatNeverStopped) {
     Random random(7);
     const std::array<std::array<int, 3>, 3> grids = {{{12, 9, 1}, {30, 1, 1}, {6, 5, 4}}};
     for (const auto& [columns, rows, layers] : grids) {
-        draw(random, columns, rows, layers);
+        draw(random, columns, rows, layers, layers > 1);
         const std::vector<std::string> stops = {"SIGTERM", "SIGKILL", "SIGTERM", "stop file", "time"};
         for (std::size_t part = 0; part < stops.size(); ++part) {
             std::vector<std::string> options = {"--checkpoint-every", "7", "--threads", std::to_string(part % 3 + 1)};

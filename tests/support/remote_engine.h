@@ -29,6 +29,9 @@ inline StageEngine remoteEngine(SimState& sim) {
         sim.stageSpecies = copy.stageSpecies;
         sim.stageEnergy = copy.stageEnergy;
         sim.stageMomentum = copy.stageMomentum;
+        sim.speciesRemainder = copy.speciesRemainder;
+        sim.energyRemainder = copy.energyRemainder;
+        sim.momentumRemainder = copy.momentumRemainder;
         sim.cellMass = copy.cellMass;
         sim.density = copy.density;
         sim.concentration = copy.concentration;

@@ -14,17 +14,18 @@ namespace norvane {
 
 namespace {
 
-std::filesystem::path freshFolder() {
+std::filesystem::path freshFolder(const std::filesystem::path& parent) {
     std::random_device random; // tests run side by side
     const std::string name = "norvane-test-" + std::to_string(random()) + std::to_string(random());
-    const std::filesystem::path folder = std::filesystem::temp_directory_path() / name;
+    const std::filesystem::path folder = (parent.empty() ? std::filesystem::temp_directory_path() : parent) / name;
     std::filesystem::create_directories(folder);
     return std::filesystem::canonical(folder);
 }
 
 } // namespace
 
-TestProgram::TestProgram() : folder(freshFolder()), formerDirectory_(std::filesystem::current_path()) {
+TestProgram::TestProgram(const std::filesystem::path& parent)
+    : folder(freshFolder(parent)), formerDirectory_(std::filesystem::current_path()) {
     std::filesystem::current_path(folder);
     connectProgram(program);
     ui.showMessage = [this](const Report& report) { messages.push_back(report.text); };
@@ -103,7 +104,9 @@ void computeSlopes(SimState& sim, int stage) {
     computeSlopes(sim, plan, stage);
 }
 
-std::uint64_t stateHash(const SimState& sim) {
+std::uint64_t stateHash(const SimState& sim) { return stateHash(sim, sim.nsMax); }
+
+std::uint64_t stateHash(const SimState& sim, int lastSpecies) {
     std::uint64_t hash = 1469598103934665603u;
     const auto add = [&](float value) {
         std::uint32_t bits = 0;
@@ -112,7 +115,7 @@ std::uint64_t stateHash(const SimState& sim) {
     };
     for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
         for (int slot = 0; slot <= workSlot; ++slot) {
-            for (int species = 0; species <= sim.nsMax; ++species) add(sim.stageSpecies(slot, species, cell));
+            for (int species = 0; species <= lastSpecies; ++species) add(sim.stageSpecies(slot, species, cell));
             add(sim.stageEnergy(slot, cell));
             for (int dim = 1; dim <= sim.nDim; ++dim) add(sim.stageMomentum(slot, cell, dim));
         }

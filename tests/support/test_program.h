@@ -14,7 +14,8 @@ namespace norvane {
 class TestProgram {
 public:
     /// Makes the folder, goes into it (the stop file lies in the working directory) and starts the program there.
-    TestProgram();
+    /// `parent`: where; empty: among the temporary files.
+    explicit TestProgram(const std::filesystem::path& parent = {});
     /// Goes back and removes the folder.
     ~TestProgram();
     TestProgram(const TestProgram&) = delete;
@@ -56,5 +57,8 @@ void computeSlopes(SimState& sim, int stage);
 
 /// A hash of all conserved and primitive fields of the cells, equal only for equal bit patterns (but for accidents).
 std::uint64_t stateHash(const SimState& sim);
+
+/// The same without the masses of the species after one.
+std::uint64_t stateHash(const SimState& sim, int lastSpecies);
 
 } // namespace norvane

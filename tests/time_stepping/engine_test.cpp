@@ -1,9 +1,12 @@
 // The engine gives the bits of the plain evaluation, cell by cell, formula by formula, on random models with
 // everything in them: for every instruction set of this machine and for any number of threads.
 
+#include "core/cell_fields.h"
 #include "core/processor_engine.h"
+#include "core/remainders.h"
 #include "core/source_terms.h"
 #include "support/plain_stage.h"
+#include "support/random_model.h"
 #include "support/remote_engine.h"
 #include "support/test_program.h"
 
@@ -14,7 +17,6 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
-#include <random>
 
 namespace norvane {
 namespace {
@@ -30,6 +32,20 @@ constexpr bool allNaNsAreEqual = true;
 /// The sign of a zero counts.
 bool sameBits(float a, float b) {
     return std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b) || (allNaNsAreEqual && a != a && b != b);
+}
+
+/// Names the first remainder that differs; empty where all agree, or where neither run keeps any.
+std::string differenceOfRemainders(const SimState& a, const SimState& b) {
+    if (hasRemainders(a) != hasRemainders(b)) return "existence of remainders";
+    for (const CellField& field : remainderFields()) {
+        const auto member = std::get<CellTable<float> SimState::*>(field.member);
+        const ComponentRange range = componentRange(field.components, a.nDim, a.nsMax);
+        for (int component = range.first; hasRemainders(a) && component <= range.last; ++component)
+            for (std::int32_t cell = 1; cell <= a.nCells; ++cell)
+                if (!sameBits((a.*member)(cell, component), (b.*member)(cell, component)))
+                    return field.name + (" of cell " + std::to_string(cell));
+    }
+    return "";
 }
 
 /// Names the first field and cell that differ; empty where all agree.
@@ -55,78 +71,20 @@ std::string difference(const SimState& a, const SimState& b) {
         if (!sameBits(a.temperature[cell], b.temperature[cell])) return at("temperature");
         if (!sameBits(a.pressure[cell], b.pressure[cell])) return at("pressure");
     }
-    return a.stopFlag == b.stopFlag ? "" : "stopFlag";
+    return a.stopFlag == b.stopFlag ? differenceOfRemainders(a, b) : "stopFlag";
 }
 
-class RandomModel {
-public:
-    explicit RandomModel(unsigned seed) : random_(seed) {}
-
-    /// A table of one to five dimensions whose cells hold keys of all kinds.
-    std::string table() {
-        const int dims = pick(1, 5);
-        const int columns = pick(1, pick(0, 2) == 0 ? 40 : 7);
-        const int rows = dims >= 2 ? pick(2, 5) : 1;
-        keysInHundred_ = pick(0, 2) == 0 ? 3 : 30; // rows without any code have loops of their own
-        const std::string tabs(static_cast<std::size_t>(columns - 1), '\t');
-        std::string text =
-            "NS " + std::to_string(pick(0, 3)) + ":" + defaults() + tabs + "\n" + "x" + tabs + "\nL" + tabs;
-        int blocks[3] = {dims >= 3 ? pick(2, 3) : 1, dims >= 4 ? 2 : 1, dims >= 5 ? 2 : 1};
-        for (int five = 1; five <= blocks[2]; ++five)
-            for (int four = 1; four <= blocks[1]; ++four)
-                for (int three = 1; three <= blocks[0]; ++three) {
-                    for (int row = 0; row < rows; ++row) text += "\n" + rowText(columns);
-                    const bool endsFour = three == blocks[0] && dims >= 4;
-                    const bool endsFive = endsFour && four == blocks[1] && dims >= 5;
-                    text += (endsFive ? "\nL5" : endsFour ? "\nL4" : "\nL") + tabs;
-                }
-        return text;
-    }
-
-    int pick(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random_); }
-
-private:
-    std::string defaults() {
-        std::string text = "DT 1E-5:DD 0;0.01:LA 5:ET 0.1:TR 3:CC 1;0.3:RR " + std::to_string(pick(0, 50)) + ":RH "
-                           + std::to_string(pick(1, 3));
-        if (pick(0, 1) == 0) text += ":GG 1;-3:GG 2;9.81";
-        if (pick(0, 1) == 0) text += ":GP 11;1E-6:GP 12;9000:GP 13;0.5:GP 14;5000:GP 15;0.01";
-        if (pick(0, 7) == 0) text += ":ET 0:LA 0";
-        return text;
-    }
-
-    std::string rowText(int columns) {
-        static constexpr const char* items[] = {
-            "WV 0;2",    "WV 0;1",      "WV 1;1",     "WV 2;1",   "WV 1;-1:VV 1;5", "WV 2;-2:VV 2;-4", "WV 1;0",
-            "WV 0;-1",   "WT 1",        "WT -1",      "WP 1",     "WP -1",          "WC -1",           "WC 1",
-            "PP 5E5",    "PP 1000",     "TT 900",     "TT 50",    "PP 0",           "PP -1E4",         "VV 1;30",
-            "VV 2;-20",  "VV 1;-0",     "VV 3;1E-42", "CC 1;0.9", "CP 400",         "LA -3",           "ET 1E-3",
-            "DD 1;0.02", "DD -2;0.005", "HH 1;2",     "RR 1E4",   "WC 1:CC 1;1",    "WV 3;1:WV 3;-1",  "DD 2;0"};
-        std::string text;
-        for (int column = 0; column < columns; ++column) {
-            if (column > 0) text += '\t';
-            if (pick(1, 100) > keysInHundred_) continue;
-            text += '.'; // a text that begins with L would make its row an L row
-            text += items[pick(0, static_cast<int>(std::size(items)) - 1)];
-            if (pick(0, 2) == 0) text += std::string(":") + items[pick(0, static_cast<int>(std::size(items)) - 1)];
-        }
-        return text;
-    }
-
-    std::mt19937 random_;
-    int keysInHundred_ = 0;
-};
-
-void addRandomPairs(SimState& sim, RandomModel& random) {
-    sim.radActive = true;
-    sim.sigmaRoot = 0.0154;
-    sim.radPairCount = 5;
-    sim.radFactor.allocate(0, 5);
-    for (auto& cells : sim.radPair) cells.allocate(0, 5);
-    for (int pair = 1; pair <= 5; ++pair) {
-        sim.radPair[0][pair] = random.pick(1, sim.nCells + 1);
-        sim.radPair[1][pair] = random.pick(-sim.nCells, sim.nCells);
-        sim.radFactor[pair] = 0.01f;
+/// Remainders up to half a unit in the last place of the start, in held quantities as well.
+void keepRandomRemainders(SimState& sim, RandomModel& random) {
+    sim.compensated = true;
+    fitRemainders(sim);
+    const auto part = [&](float value) { return value * std::ldexp(float(random.pick(-256, 256)), -33); };
+    for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
+        for (int species = 0; species <= sim.nsMax; ++species)
+            sim.speciesRemainder(cell, species) = part(sim.stageSpecies(committedSlot, species, cell));
+        sim.energyRemainder(cell, 0) = part(sim.stageEnergy(committedSlot, cell));
+        for (int dim = 1; dim <= sim.nDim; ++dim)
+            sim.momentumRemainder(cell, dim) = part(sim.stageMomentum(committedSlot, cell, dim));
     }
 }
 
@@ -174,6 +132,8 @@ TEST(engine, givesTheBitsOfThePlainEvaluation) {
         test.sim.stageWork = workSlot;
         dimensionsSeen |= 1 << test.sim.nDim;
         if (random.pick(0, 3) == 0) addRandomPairs(test.sim, random);
+        SimState compensated = test.sim;
+        keepRandomRemainders(compensated, random);
         const std::string name = "seed " + std::to_string(seed);
         for (int k = 0; k < available.count; ++k)
             for (int threads = 1; threads <= 3; ++threads) {
@@ -182,9 +142,12 @@ TEST(engine, givesTheBitsOfThePlainEvaluation) {
                     plan.tileRows = std::min<std::int64_t>(plan.tileRows, threads); // small grids would be one tile
                     return processorEngine(sim, std::move(plan));
                 };
-                compareRuns(test.sim, makeEngine, name + ", threads " + std::to_string(threads));
+                const std::string withThreads = name + ", threads " + std::to_string(threads);
+                compareRuns(test.sim, makeEngine, withThreads);
+                compareRuns(compensated, makeEngine, withThreads + ", compensated");
             }
         compareRuns(test.sim, remoteEngine, name);
+        compareRuns(compensated, remoteEngine, name + ", compensated");
         if (testing::Test::HasFatalFailure()) return;
     }
     EXPECT_EQ(dimensionsSeen, 0b111110) << "all of one to five dimensions";
@@ -228,11 +191,13 @@ TEST(engine, mayKeepTheFieldsElsewhere) {
 
 /// Uniform gas at rest with a hot cell: rows rest until the wave comes in, and the bits are those of the plain
 /// evaluation.
-void compareWaveInRestingGas(const std::string& table, int threads) {
+void compareWaveInRestingGas(const std::string& table, int threads, bool compensated) {
     TestProgram test;
     test.build(table);
     ASSERT_GT(test.sim.nCells, 0);
     test.sim.stageWork = workSlot;
+    test.sim.compensated = compensated;
+    fitRemainders(test.sim);
     SimState plainly = test.sim;
     StagePlan plan = planStages(test.sim, threads);
     std::int64_t mostResting = 0;
@@ -269,8 +234,10 @@ TEST(engine, restsWhereNothingHappensUntilAWaveComes) {
         if (layer < 11) room += "\n";
     }
     for (int threads = 1; threads <= 3; ++threads) {
-        compareWaveInRestingGas(plane, threads);
-        compareWaveInRestingGas(room, threads);
+        for (const bool compensated : {false, true}) {
+            compareWaveInRestingGas(plane, threads, compensated);
+            compareWaveInRestingGas(room, threads, compensated);
+        }
     }
 }
 

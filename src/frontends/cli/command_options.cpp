@@ -8,13 +8,24 @@
 
 namespace norvane {
 
+namespace {
+
+bool isPositive(const std::string& text) {
+    std::size_t length = 0;
+    const double number = numericPrefix(text, length);
+    return length > 0 && length == text.size() && std::isfinite(number) && number > 0;
+}
+
+} // namespace
+
 std::string notEmpty(const std::string& text) { return text.empty() ? "it is empty" : ""; }
 
 std::string positiveTime(const std::string& text) {
-    std::size_t length = 0;
-    const double seconds = numericPrefix(text, length);
-    const bool isTime = length > 0 && length == text.size() && std::isfinite(seconds) && seconds > 0;
-    return isTime ? "" : "\"" + printableName(text) + "\" is no time in seconds above 0";
+    return isPositive(text) ? "" : "\"" + printableName(text) + "\" is no time in seconds above 0";
+}
+
+std::string positiveNumber(const std::string& text) {
+    return isPositive(text) ? "" : "\"" + printableName(text) + "\" is no number above 0";
 }
 
 void addGeometry(CLI::App* command, std::string& geometry) {

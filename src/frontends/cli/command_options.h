@@ -23,6 +23,7 @@ inline constexpr const char* lookStatusHelp = "Exit status: 0 done, 2 bad use, 3
 /// What is wrong with an option's text; empty: nothing.
 std::string notEmpty(const std::string& text);
 std::string positiveTime(const std::string& text);
+std::string positiveNumber(const std::string& text);
 
 void addGeometry(CLI::App* command, std::string& geometry);
 

@@ -69,12 +69,11 @@ std::string makeMovie(const Frames& frames, const std::string& path) {
     const int status = runProcess({"ffmpeg", "-nostdin", "-loglevel", "error", "-y", "-f", "concat", "-safe", "0", "-i",
                                    listPath, "-vf", "pad=ceil(iw/2)*2:ceil(ih/2)*2", "-pix_fmt", "yuv420p", partPath});
     removeFile(listPath);
-    std::error_code failed;
-    if (status == 0) std::filesystem::rename(partPath, whole, failed);
-    if (status != 0 || failed) removeFile(partPath);
+    const FileResult renamed = status == 0 ? renameFile(partPath, whole.string()) : FileResult();
+    if (status != 0 || !renamed) removeFile(partPath);
     if (status == processNotFound) return "ffmpeg is not installed";
     if (status != 0) return "ffmpeg could not make it";
-    if (failed) return failed.message();
+    if (!renamed) return renamed.reason;
     for (const std::string& frame : frames.paths) removeFile(frame);
     return {};
 }

@@ -4,9 +4,11 @@
 #include "frontends/cli/check_command.h"
 #include "frontends/cli/command_options.h"
 #include "frontends/cli/exit_status.h"
+#include "frontends/cli/option_file.h"
 #include "frontends/cli/run_command.h"
 #include "frontends/cli/show_command.h"
 #include "frontends/cli/spectrum_command.h"
+#include "frontends/cli/verify_command.h"
 #include "frontends/script/script_front_end.h"
 #include "platform/files.h"
 #include "platform/process.h"
@@ -23,14 +25,16 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace norvane {
 
 namespace {
 
-constexpr const char* spectrumHelp = "Write the velocity spectrum of a geometry into the file NV_spectrum beside it:\n"
-                                     "a row for each random wave vector, with its length and the power found there.";
+constexpr const char* spectrumHelp =
+    "Write the velocity spectrum of a geometry into the file NV_spectrum beside it, or another one:\n"
+    "a row for each random wave vector, with its length and the power found there.";
 
 constexpr const char* checkHelp =
     "Look at geometries as a careful colleague would: texts that do not do what they seem to, cells that cannot,\n"
@@ -41,6 +45,10 @@ constexpr const char* showHelp =
     "each with where it comes from.";
 
 constexpr const char* diffHelp = "Compare two drawings value by value, not by their text.";
+
+constexpr const char* verifyHelp =
+    "Run verification cases: folders that hold drawings and a file case.txt, which tells what their results are\n"
+    "compared with and how near they have to come (docs/verification_cases.md). Writes no file.";
 
 constexpr const char* scriptHelp =
     "Drive the whole program without a window: the commands of FILE are a person's clicks,\n"
@@ -61,6 +69,9 @@ Command addSpectrum(CLI::App& app) {
     SpectrumOptions& options = *kept;
     CLI::App* spectrum = app.add_subcommand("spectrum", spectrumHelp);
     addGeometry(spectrum, options.geometry);
+    spectrum->add_option("-o,--output", options.output, "the file, instead of NV_spectrum beside the geometry")
+        ->type_name("FILE")
+        ->check(notEmpty);
     spectrum->add_option("--points", options.points, "frequency points; there is one row more")
         ->capture_default_str()
         ->type_name("N")
@@ -119,6 +130,22 @@ Command addDiff(CLI::App& app) {
     return {diff, [kept] { return printedStatus(diffGeometries(kept->before, kept->after, kept->picture)); }};
 }
 
+Command addVerify(CLI::App& app) {
+    const auto kept = std::make_shared<VerifyOptions>();
+    VerifyOptions& options = *kept;
+    CLI::App* verify = app.add_subcommand("verify", verifyHelp);
+    verify->add_option("FOLDER", options.folders, "the folders of the cases")->required();
+    verify->add_option("--format", options.format, "text or json")->check(CLI::IsMember({"text", "json"}));
+    verify->add_flag("--short", options.isShort, "run the first grid of each case alone, without orders");
+    verify->add_flag("-q,--quiet", options.quiet, "do not print which run is under way");
+    verify->add_option("--threads", options.threads, "threads of a run; 1 unless told otherwise")
+        ->type_name("N")
+        ->check(CLI::Range(1, maxThreads));
+    verify->footer("Exit status: 0 all cases pass, 1 one fails, 2 bad use, 3 a case can't be run, 4 a file can't be\n"
+                   "read.");
+    return {verify, [kept] { return printedStatus(verifyFolders(*kept)); }};
+}
+
 struct ScriptOptions {
     std::string path;
     bool trace = false;
@@ -165,9 +192,9 @@ std::string unknownOption(const CLI::App& command, const std::string& given) {
 
 /// What is wrong with the first word of a command line that is neither a command nor an option; empty: nothing. The
 /// parser would rather blame what follows such a word.
-std::string unknownWord(const CLI::App& app, const std::vector<std::string>& words) {
+std::string unknownWord(const CLI::App& app, const std::vector<OptionWord>& words) {
     const CLI::App* command = &app;
-    for (const std::string& word : words) {
+    for (const auto& [word, origin] : words) {
         if (word == "--") break;
         const bool isOption = word.size() > 2 && word.compare(0, 2, "--") == 0;
         std::string fault;
@@ -177,9 +204,21 @@ std::string unknownWord(const CLI::App& app, const std::vector<std::string>& wor
             fault = unknownCommand(app, word);
             if (fault.empty()) command = app.get_subcommand(word);
         }
-        if (!fault.empty()) return fault;
+        if (!fault.empty()) return printableName(origin) + fault;
     }
     return {};
+}
+
+/// The words of the command line; those in the options of a run may come from files. Gives false after a message.
+bool takeWords(int argc, char** argv, std::vector<OptionWord>& words) {
+    const std::vector<std::string> given(argv + std::min(argc, 1), argv + argc);
+    if (given.empty() || given.front() != "run") {
+        for (const std::string& word : given) words.push_back({word, {}});
+        return true;
+    }
+    const std::string fault = withOptionFiles(given, words);
+    if (!fault.empty()) std::cerr << "norvane run: " << printableName(fault) << '\n';
+    return fault.empty();
 }
 
 int runCommandLine(int argc, char** argv) {
@@ -189,16 +228,20 @@ int runCommandLine(int argc, char** argv) {
     app.set_version_flag("--version", "norvane " NORVANE_VERSION);
     app.require_subcommand(1);
 
-    const Command commands[] = {addRun(app),   addPlot(app), addExport(app), addSpectrum(app),
-                                addCheck(app), addShow(app), addDiff(app),   addScript(app)};
+    const Command commands[] = {addRun(app),  addPlot(app), addExport(app), addSpectrum(app), addCheck(app),
+                                addShow(app), addDiff(app), addVerify(app), addScript(app)};
 
-    const std::string unknown = unknownWord(app, {argv + std::min(argc, 1), argv + argc});
+    std::vector<OptionWord> words;
+    if (!takeWords(argc, argv, words)) return exitBadUse;
+    const std::string unknown = unknownWord(app, words);
     if (!unknown.empty()) {
         std::cerr << unknown << "\nRun with --help for more information.\n";
         return exitBadUse;
     }
     try {
-        app.parse(argc, argv);
+        std::vector<std::string> reversed; // as the parser takes them
+        for (auto word = words.rbegin(); word != words.rend(); ++word) reversed.push_back(word->text);
+        app.parse(std::move(reversed));
     } catch (const CLI::ParseError& end) {
         std::ostringstream fault; // it may hold any argument
         const int status = app.exit(end, std::cout, fault);

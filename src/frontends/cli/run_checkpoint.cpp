@@ -175,6 +175,7 @@ std::vector<NamedText> settingsOf(const ConsoleRun& run) {
     std::vector<NamedText> settings;
     if (options.plotEvery > 0) settings.push_back({"--plot-every", std::to_string(options.plotEvery)});
     if (options.frameEvery > 0) settings.push_back({"--snapshots", std::to_string(options.frameEvery)});
+    if (options.compensated) settings.push_back({"--compensated", ""});
     if (options.radiation) settings.push_back({"--radiation", ""});
     for (const RunExtra& extra : run.extras)
         if (extra.name != checkpointExtra)

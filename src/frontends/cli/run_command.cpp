@@ -194,6 +194,7 @@ int runGeometry(const RunOptions& options) {
     connectRun(run);
     Program& program = run.console.program;
     program.sim.threads = options.threads;
+    program.sim.compensated = options.compensated;
     const ExitStatus loaded = loadFor(run.console, options.geometry);
     if (loaded != exitDone) return loaded;
     if (!takeChanges(options, program.sim)) return exitBadUse;

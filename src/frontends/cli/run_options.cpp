@@ -1,8 +1,12 @@
 // The options of "norvane run".
 
 #include "core/sim_state.h"
+#include "frontends/cli/balance_options.h"
 #include "frontends/cli/command_options.h"
+#include "frontends/cli/probe_options.h"
+#include "frontends/cli/frame_options.h"
 #include "frontends/cli/run_command.h"
+#include "frontends/cli/steady_options.h"
 
 #include <memory>
 
@@ -12,7 +16,7 @@ namespace {
 
 constexpr const char* runStatusHelp =
     "Exit status:\n"
-    "  0  the run reached its stop step\n"
+    "  0  the run reached its stop step, or with --until-steady came to rest\n"
     "  1  the model ended the run (negative density, or a value that no gas has)\n"
     "  2  bad use of the command line\n"
     "  3  the geometry cannot be run, or a check refuses it\n"
@@ -23,7 +27,11 @@ constexpr const char* runStatusHelp =
 constexpr const char* runHelp =
     "Load a geometry and run it to its end.\n\n"
     "The results lie beside the geometry m.gmt: m_out, the table of the latest plot, m_log, a line for each logged\n"
-    "step (key LT), m_state with --save or key ST, pictures with --snapshots or key FT.";
+    "step (key LT), m_state with --save or key ST, pictures with --snapshots or key FT, m_frames.nc with --frames,\n"
+    "m_probes.csv with --probe or a file m.probes, m_balance.csv with --balance, m_checkpoint.nc with\n"
+    "--checkpoint-every.\n\n"
+    "A word @FILE stands for the options in that file, one on a line with its value: --probe C7:T,p. Lines that begin\n"
+    "with # are left out.";
 
 } // namespace
 
@@ -45,6 +53,8 @@ Command addRun(CLI::App& app) {
     run->add_option("--threads", options.threads, "threads of the computation; the results are the same for any number")
         ->type_name("N")
         ->check(CLI::Range(1, maxThreads));
+    run->add_flag("--compensated", options.compensated,
+                  "carry what single precision rounds away on to the next step; other results, closer to the equations");
     run->add_option("--movie", options.movie, "make a film of these pictures, such as m.mp4, with ffmpeg")
         ->type_name("FILE")
         ->needs("--snapshots");
@@ -71,6 +81,10 @@ Command addRun(CLI::App& app) {
                     "a name for a range of cells, such as radiator=B2:B18; may be repeated")
         ->type_name("NAME=RANGE");
     addCheckpointOptions(run, options.checkpoints);
+    options.extras.push_back(addFrameOptions(run));
+    options.extras.push_back(addProbeOptions(run));
+    options.extras.push_back(addBalanceOptions(run));
+    options.extras.push_back(addSteadyOptions(run)); // the last one: it looks at what the others have measured
     run->footer(runStatusHelp);
     return {run, [kept] { return runGeometry(*kept); }};
 }

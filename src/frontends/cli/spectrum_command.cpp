@@ -11,11 +11,12 @@ int writeSpectrumOf(const SpectrumOptions& options) {
     connectConsole(console);
     SimState& sim = console.program.sim;
     ExitStatus status = loadFor(console, options.geometry);
-    if (status == exitDone && wouldOverwrite(options.geometry, joinPath(sim.inputDir, "NV_spectrum")))
+    const std::string output = options.output.empty() ? joinPath(sim.inputDir, "NV_spectrum") : options.output;
+    if (status == exitDone && wouldOverwrite(options.geometry, output))
         return exitBadUse;
     if (status == exitDone) status = standModel(console, options.state);
     if (status != exitDone) return status;
-    return writeSpectrum(sim, console.program.ui, options.points) ? exitDone : exitFileFault;
+    return writeSpectrum(sim, console.program.ui, options.points, output) ? exitDone : exitFileFault;
 }
 
 } // namespace norvane

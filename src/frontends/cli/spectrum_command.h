@@ -6,6 +6,7 @@ namespace norvane {
 
 struct SpectrumOptions {
     std::string geometry;
+    std::string output; ///< empty: NV_spectrum beside the geometry
     int points = 100;
     bool state = false; ///< recalls the saved state
 };

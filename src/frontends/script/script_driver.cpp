@@ -10,27 +10,28 @@ namespace norvane {
 
 namespace {
 
-[[noreturn]] void endWithFault(const ScriptLine& line, const std::string& what) {
-    std::fprintf(stderr, "script:%d: %s\n", line.number, printableName(what).c_str());
-    std::fflush(nullptr);
-    std::_Exit(2);
+/// What is wrong with a command. Caught where the command began, so that none of a run's frames sees it.
+struct ScriptFault {
+    std::string what;
+};
+
+[[noreturn]] void fail(std::string what) { throw ScriptFault{std::move(what)}; }
+
+void requireForm(const std::string& name, bool found) {
+    if (!found) fail("there is no form \"" + name + "\"");
 }
 
-void requireForm(const ScriptLine& line, const std::string& name, bool found) {
-    if (!found) endWithFault(line, "there is no form \"" + name + "\"");
-}
-
-void requireControl(const ScriptLine& line, const std::string& name, const char* act, bool found) {
-    if (!found) endWithFault(line, "there is no control \"" + name + "\" to " + act);
+void requireControl(const std::string& name, const char* act, bool found) {
+    if (!found) fail("there is no control \"" + name + "\" to " + act);
 }
 
 /// A script of a bug report must not write over just any file of whoever replays it.
-void putFile(const ScriptLine& line, std::string_view rest, bool anywhere) {
+void putFile(std::string_view rest, bool anywhere) {
     const std::string path = takeWord(rest);
     if (!anywhere && !liesBelow(path, "."))
-        endWithFault(line, "\"" + path + "\" lies outside the working directory; --allow-outside lets put write there");
+        fail("\"" + path + "\" lies outside the working directory; --allow-outside lets put write there");
     const FileResult written = writeFile(path, unescaped(rest));
-    if (!written) endWithFault(line, "can't write \"" + path + "\": " + written.reason);
+    if (!written) fail("can't write \"" + path + "\": " + written.reason);
 }
 
 std::string listedEntries(const std::vector<std::string>& entries) {
@@ -40,6 +41,11 @@ std::string listedEntries(const std::vector<std::string>& entries) {
 }
 
 } // namespace
+
+void endAtOnce(int status) {
+    std::fflush(nullptr);
+    std::_Exit(status);
+}
 
 bool allIsPrinted() {
     if (std::ferror(stdout) == 0) return true;
@@ -65,8 +71,8 @@ std::string fileListLook(const std::string& selected, const std::vector<std::str
     return escaped(selected) + listedEntries(names);
 }
 
-ScriptDriver::ScriptDriver(Program& program, ScriptHands hands, bool putsAnywhere)
-    : program_(program), hands_(std::move(hands)), putsAnywhere_(putsAnywhere) {
+ScriptDriver::ScriptDriver(Program& program, ScriptHands hands, bool putsAnywhere, EndProcess endProcess)
+    : program_(program), hands_(std::move(hands)), putsAnywhere_(putsAnywhere), endProcess_(std::move(endProcess)) {
     program.ui.runBegan = [this] { yieldsOfRuns_.push_back(0); };
     program.ui.stepBegan = [this] { yieldsOfRuns_.back() = 0; };
     program.ui.runEnded = [this] { yieldsOfRuns_.pop_back(); };
@@ -76,30 +82,30 @@ void ScriptDriver::run(std::string_view bytes) {
     for (const ScriptLine& line : scriptLines(bytes)) execute(line);
 }
 
-void ScriptDriver::resizeForm(const ScriptLine& line, std::string_view rest) const {
+void ScriptDriver::resizeForm(std::string_view rest) const {
     const std::string name = takeWord(rest);
     int width = 0;
     int height = 0;
-    requireForm(line, name, hands_.look(name).has_value() && name.find('.') == std::string::npos);
+    requireForm(name, hands_.look(name).has_value() && name.find('.') == std::string::npos);
     if (!readWhole(takeWord(rest), width) || !readWhole(takeWord(rest), height) || width < 0 || height < 0)
-        endWithFault(line, "a size is two whole numbers of pixels, not negative");
+        fail("a size is two whole numbers of pixels, not negative");
     hands_.resize(name, width, height);
 }
 
-void ScriptDriver::chooseEntry(const ScriptLine& line, std::string_view rest) const {
+void ScriptDriver::chooseEntry(std::string_view rest) const {
     const std::string name = takeWord(rest);
     const std::optional<int> count = hands_.entryCount(name);
-    requireControl(line, name, "choose from", count.has_value());
+    requireControl(name, "choose from", count.has_value());
     int index = 0;
     if (!readWhole(trimmed(rest), index) || index < 0 || index >= *count)
-        endWithFault(line, name + " has no entry \"" + std::string(trimmed(rest)) + "\"; it has "
-                               + std::to_string(*count) + ", counted from 0");
+        fail(name + " has no entry \"" + std::string(trimmed(rest)) + "\"; it has " + std::to_string(*count)
+             + ", counted from 0");
     hands_.choose(name, index);
 }
 
-void ScriptDriver::print(const ScriptLine& line, const std::string& name) const {
+void ScriptDriver::print(const std::string& name) const {
     const std::optional<std::string> seen = hands_.look(name);
-    requireControl(line, name, "print", seen.has_value());
+    requireControl(name, "print", seen.has_value());
     printLine(name + ": " + *seen);
 }
 
@@ -110,46 +116,58 @@ void ScriptDriver::awaitYield(const ScriptLine& line, std::string_view rest) {
     int yield = 0;
     if (point == std::string::npos || !readWhole(std::string_view(moment).substr(0, point), step)
         || !readWhole(std::string_view(moment).substr(point + 1), yield))
-        endWithFault(line, "a moment is written STEP.K, such as 40.2");
-    if (trimmed(rest).empty()) endWithFault(line, "there is no command after the moment");
+        fail("a moment is written STEP.K, such as 40.2");
+    if (trimmed(rest).empty()) fail("there is no command after the moment");
     awaited_[{step, yield}].push_back({line.number, std::string(rest)});
 }
 
 void ScriptDriver::execute(const ScriptLine& line) {
+    std::string fault;
+    try {
+        carryOut(line);
+        return;
+    } catch (const ScriptFault& caught) {
+        fault = caught.what;
+    }
+    std::fprintf(stderr, "script:%d: %s\n", line.number, printableName(fault).c_str());
+    endProcess_(2);
+}
+
+void ScriptDriver::carryOut(const ScriptLine& line) {
     std::string_view rest = line.text;
     const std::string command = takeWord(rest);
     if (command == "dir") {
-        if (trimmed(rest).empty()) endWithFault(line, "there is no path after dir");
+        if (trimmed(rest).empty()) fail("there is no path after dir");
         hands_.changeDirectory(absolutePath(std::string(trimmed(rest))));
     } else if (command == "file") {
         hands_.selectFile(std::string(trimmed(rest)));
     } else if (command == "click") {
         const std::string name = takeWord(rest);
-        requireControl(line, name, "click", hands_.click(name));
+        requireControl(name, "click", hands_.click(name));
     } else if (command == "close") {
         const std::string name = takeWord(rest);
-        requireForm(line, name, hands_.close(name));
+        requireForm(name, hands_.close(name));
     } else if (command == "resize") {
-        resizeForm(line, rest);
+        resizeForm(rest);
     } else if (command == "set") {
         const std::string name = takeWord(rest);
-        requireControl(line, name, "set", hands_.set(name, unescaped(rest)));
+        requireControl(name, "set", hands_.set(name, unescaped(rest)));
     } else if (command == "choose") {
-        chooseEntry(line, rest);
+        chooseEntry(rest);
     } else if (command == "answer") {
         answers_.emplace_back(unescaped(rest));
     } else if (command == "cancel") {
         answers_.emplace_back(std::nullopt);
     } else if (command == "put") {
-        putFile(line, rest, putsAnywhere_);
+        putFile(rest, putsAnywhere_);
     } else if (command == "print") {
-        print(line, takeWord(rest));
+        print(takeWord(rest));
     } else if (command == "at") {
         awaitYield(line, rest);
     } else if (command == "end") {
-        std::_Exit(allIsPrinted() ? 0 : 2);
+        endProcess_(allIsPrinted() ? 0 : 2);
     } else {
-        endWithFault(line, "there is no command \"" + command + "\"");
+        fail("there is no command \"" + command + "\"");
     }
 }
 

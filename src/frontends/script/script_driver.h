@@ -30,13 +30,19 @@ struct ScriptHands {
     std::function<std::optional<std::string>(const std::string& name)> look;
 };
 
+/// Ends the process with a status, without unwinding what is under way.
+[[noreturn]] void endAtOnce(int status);
+
 class ScriptDriver {
 public:
+    /// Does not return.
+    using EndProcess = std::function<void(int status)>;
+
     /// Counts the steps and yields of the program's runs from now on. Both must outlive the driver.
     /// `putsAnywhere`: put may write outside the working directory.
-    ScriptDriver(Program& program, ScriptHands hands, bool putsAnywhere = false);
+    ScriptDriver(Program& program, ScriptHands hands, bool putsAnywhere = false, EndProcess endProcess = endAtOnce);
 
-    /// Carries out a whole script. A fault of it is printed on standard error, and ends the process.
+    /// Carries out a whole script. A fault of it is printed on standard error, and ends the process with status 2.
     void run(std::string_view bytes);
 
     /// A yield of the program has begun. Gives whether commands were kept for it.
@@ -50,14 +56,16 @@ public:
 
 private:
     void execute(const ScriptLine& line);
-    void resizeForm(const ScriptLine& line, std::string_view rest) const;
-    void chooseEntry(const ScriptLine& line, std::string_view rest) const;
-    void print(const ScriptLine& line, const std::string& name) const;
+    void carryOut(const ScriptLine& line);
+    void resizeForm(std::string_view rest) const;
+    void chooseEntry(std::string_view rest) const;
+    void print(const std::string& name) const;
     void awaitYield(const ScriptLine& line, std::string_view rest);
 
     Program& program_;
     ScriptHands hands_;
     const bool putsAnywhere_;
+    const EndProcess endProcess_;
     std::deque<std::optional<std::string>> answers_; ///< for input boxes; no value: Cancel
     std::map<std::pair<int, int>, std::vector<ScriptLine>>
         awaited_; ///< by step and yield of a run, from 1 in each step
