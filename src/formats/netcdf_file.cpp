@@ -2,6 +2,7 @@
 
 #include <hdf5.h>
 #include <netcdf.h>
+#include <netcdf_mem.h>
 
 #include <utility>
 
@@ -62,18 +63,30 @@ std::recursive_mutex& netcdfMutex() {
     return mutex;
 }
 
-NetcdfFile NetcdfFile::create(const std::string& path) { return createAs(path, NC_CLOBBER); }
+NetcdfFile NetcdfFile::created(int status, int number) {
+    NetcdfFile file;
+    int before = 0;
+    if (file.isDone(status, "create")) {
+        file.file_ = number;
+        file.isDone(nc_set_fill(number, NC_NOFILL, &before), "create");
+    }
+    return file;
+}
 
-NetcdfFile NetcdfFile::createNew(const std::string& path) { return createAs(path, NC_NOCLOBBER); }
-
-NetcdfFile NetcdfFile::createAs(const std::string& path, int mode) {
+NetcdfFile NetcdfFile::create(const std::string& path) {
     const Lock lock(netcdfMutex());
     silenceThread();
-    NetcdfFile file;
-    file.isDone(nc_create(path.c_str(), NC_NETCDF4 | mode, &file.file_), "create");
-    int before = 0;
-    if (file.ok()) file.isDone(nc_set_fill(file.file_, NC_NOFILL, &before), "create");
-    return file;
+    int number = -1;
+    const int status = nc_create(path.c_str(), NC_NETCDF4 | NC_CLOBBER, &number);
+    return created(status, number);
+}
+
+NetcdfFile NetcdfFile::createInMemory(std::size_t bytes) {
+    const Lock lock(netcdfMutex());
+    silenceThread();
+    int number = -1;
+    const int status = nc_create_mem("memory", NC_NETCDF4, bytes, &number);
+    return created(status, number);
 }
 
 NetcdfFile NetcdfFile::openToRead(const std::string& path) {
@@ -261,6 +274,17 @@ bool NetcdfFile::close() {
     const int file = std::exchange(file_, -1);
     if (file >= 0) isDone(nc_close(file), "close");
     return ok();
+}
+
+FileImage NetcdfFile::closeToMemory() {
+    const Lock lock(netcdfMutex());
+    FileImage image;
+    NC_memio memory{};
+    const int file = std::exchange(file_, -1);
+    if (file < 0 || !isDone(nc_close_memio(file, &memory), "close")) return image;
+    image.bytes.reset(static_cast<char*>(memory.memory));
+    if (ok()) image.count = memory.size;
+    return image;
 }
 
 #define NORVANE_INSTANTIATE(Value)                                                                                     \

@@ -78,17 +78,19 @@ FileResult flushFolder(const std::string& folder) {
     return {};
 }
 
-FileResult sealFile(const std::string& path) {
+FileResult writeSealed(const std::string& path, std::string_view content) {
     FileResult result;
-    File file = openFile(path, Access::update, result);
+    File file = openFile(path, Access::replace, result);
     if (!file) return result;
     Crc64 crc;
+    crc.add(content);
     errno = 0;
-    const std::int64_t length = lengthOf(file.get());
-    const bool sealed = length >= 0 && addBytes(file.get(), length, crc) && seekTo(file.get(), length)
-                        && writeAll(file.get(), sealOf(crc.value())) && flushToDisc(file.get());
-    if (!sealed) return failure(errno);
-    return closeFile(std::move(file)) ? FileResult{} : failure(errno);
+    const bool written = writeAll(file.get(), content) && writeAll(file.get(), sealOf(crc.value()))
+                         && flushToDisc(file.get()) && closeFile(std::move(file));
+    if (written) return {};
+    result = failure(errno);
+    removeFile(path);
+    return result;
 }
 
 FileResult checkSeal(const std::string& path, bool& whole) {
