@@ -7,8 +7,6 @@
 
 namespace norvane {
 
-namespace {
-
 #ifndef NORVANE_NETCDF
 RunExtra framesOf(const FrameOptions&) {
     RunExtra extra;
@@ -17,8 +15,6 @@ RunExtra framesOf(const FrameOptions&) {
     return extra;
 }
 #endif
-
-} // namespace
 
 RunExtraMaker addFrameOptions(CLI::App* run) {
     const auto kept = std::make_shared<FrameOptions>();
