@@ -67,9 +67,7 @@ bool allocateState(SimState& sim) {
     return false;
 }
 
-double stateBytes(int nDim, int nsMax, std::int64_t nCells) {
-    return bytesOf(cellFields(), nDim, nsMax, nCells);
-}
+double stateBytes(int nDim, int nsMax, std::int64_t nCells) { return bytesOf(cellFields(), nDim, nsMax, nCells); }
 
 double remainderBytes(int nDim, int nsMax, std::int64_t nCells) {
     return bytesOf(remainderFields(), nDim, nsMax, nCells);

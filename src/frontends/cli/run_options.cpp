@@ -50,8 +50,9 @@ Command addRun(CLI::App& app) {
     run->add_option("--threads", options.threads, "threads of the computation; the results are the same for any number")
         ->type_name("N")
         ->check(CLI::Range(1, maxThreads));
-    run->add_flag("--compensated", options.compensated,
-                  "carry what single precision rounds away on to the next step; other results, closer to the equations");
+    run->add_flag(
+        "--compensated", options.compensated,
+        "carry what single precision rounds away on to the next step; other results, closer to the equations");
     run->add_option("--movie", options.movie, "make a film of these pictures, such as m.mp4, with ffmpeg")
         ->type_name("FILE")
         ->needs("--snapshots");
