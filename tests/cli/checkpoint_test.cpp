@@ -32,10 +32,13 @@ int pick(Random& random, int low, int high) { return std::uniform_int_distributi
 /// A model with species, ramps, held values, walls, gravity and drag, whose cells are drawn at random.
 std::string drawing(Random& random, int columns, int rows, int layers) {
     static constexpr const char* items[] = {"WV 0;2", "WV 1;-2:VV 1;5", "WV 1;-1:VV 1;-2", "WT -1:TT 350", "WP -1",
-                                            "RR 50",  "WC -1:CC 1;0.2", "WC 1:CC 1;0.5",   "TT 330",       "WV 1;1",
-                                            "WT 1",   "VV 1;3",         "WP 1:WT 1"};
+                                            "RR 50",  "WC -1:CC 1;0.2", "TT 330",          "WV 1;1",       "WT 1",
+                                            "VV 1;3", "WP 1:WT 1",      "WC 1:CC 1;0.3"};
     const std::string tabs(static_cast<std::size_t>(columns) - 1, '\t');
-    std::string table = "DT 5E-6:NT 240:UT 50:ST 37:LT 3:TR 150:NS 1:DD 0;0.01:TT 300:LA 0.5:ET 0.01:GG 1;9.81" + tabs;
+    std::string table = "DT 5E-6:NT 240:UT 50:ST 37:LT 3:TR 150:NS 1:DD 0;0.01:TT 300:LA 0.5:ET 0.01:GG 1;9.81:GP "
+                        "11;1:GP 13;0.1:GP 14;1000:"
+                        "GP 15;0.01"
+                        + tabs;
     for (int layer = 0; layer < layers; ++layer) {
         table += "\nL" + tabs;
         for (int row = 0; row < rows; ++row) {
@@ -106,7 +109,7 @@ private:
 /// A folder with a run that never stopped, and a second one in which the same run is stopped and resumed.
 class Resumed : public testing::Test {
 protected:
-    void draw(Random& random, int columns, int rows, int layers) {
+    void draw(Random& random, int columns, int rows, int layers, bool compensated = false) {
         const std::string table = drawing(random, columns, rows, layers);
         for (const char* folder : {"whole", "parts"}) {
             fs::remove_all(folder);
@@ -115,6 +118,7 @@ protected:
             test.write(std::string(folder) + "/m_rad", "0 0 3\r\n1 2 1E-4 0.5\r\n3 0 1E-4 1\r\n2 5 2E-4 0.3\r\n");
         }
         arguments = {"-q", "--force", "--radiation", "--snapshots", "45"};
+        if (compensated) arguments.emplace_back("--compensated");
         fs::current_path(test.folder / "whole");
         ASSERT_EQ(run({"--checkpoint-every", "100000"}), 0);
         fs::current_path(test.folder / "parts");
@@ -145,7 +149,7 @@ TEST_F(Resumed, leavesTheFilesOfARunThatNeverStopped) {
     Random random(7);
     const std::array<std::array<int, 3>, 3> grids = {{{12, 9, 1}, {30, 1, 1}, {6, 5, 4}}};
     for (const auto& [columns, rows, layers] : grids) {
-        draw(random, columns, rows, layers);
+        draw(random, columns, rows, layers, layers > 1);
         const std::vector<std::string> stops = {"SIGTERM", "SIGKILL", "SIGTERM", "stop file", "time"};
         for (std::size_t part = 0; part < stops.size(); ++part) {
             std::vector<std::string> options = {"--checkpoint-every", "7", "--threads", std::to_string(part % 3 + 1)};
@@ -172,9 +176,11 @@ TEST_F(Resumed, survivesFiftyKills) {
         bool ended = false;
         while (!ended) {
             std::vector<std::string> options = {"--checkpoint-every", "2", "--threads", std::to_string(kills % 3 + 1)};
-            if (fs::exists("m_checkpoint.nc")) options.emplace_back("--resume");
-            Checkpoint checkpoint;
-            if (fs::exists("m_checkpoint.nc")) ASSERT_EQ(readCheckpoint("m_checkpoint.nc", checkpoint), "");
+            if (fs::exists("m_checkpoint.nc")) {
+                Checkpoint checkpoint;
+                ASSERT_EQ(readCheckpoint("m_checkpoint.nc", checkpoint), "");
+                options.emplace_back("--resume");
+            }
             Process process(with(options));
             const auto began = stampOf("m_checkpoint.nc");
             for (int change = pick(random, 1, 4); change > 0 && process.runs();)
