@@ -27,8 +27,10 @@ struct Balances {
     std::vector<LostChange> lost{};  ///< [quantities] over all steps that were measured
     std::int64_t measured = 0;       ///< steps
     const SimState* sim = nullptr;
-    bool adds = true;  ///< rows to the file
-    bool whole = true; ///< all rows are in it
+    std::int32_t pendingStep = 0; ///< at which the run goes on, before its outputs
+    std::string pendingRow{};     ///< of that step
+    bool adds = true;             ///< rows to the file
+    bool whole = true;            ///< all rows are in it
 };
 
 std::string prepare(Balances& balances, const RunContext& run) {
@@ -110,13 +112,23 @@ void look(Balances& balances, const SimState& sim, int stage) {
     }
 }
 
+/// The row of the step in hand; empty: it was not measured. That of the step that a run goes on from was measured
+/// before.
+std::string rowOf(const Balances& balances) {
+    const std::int32_t step = balances.sim->stepCount;
+    if (!balances.plan) return {};
+    if (balances.balance.step == step) return balanceRow(*balances.sim, *balances.plan, balances.balance);
+    return balances.pendingStep == step ? balances.pendingRow : "";
+}
+
 void addLatest(Balances& balances, const RunContext& run) {
-    if (!balances.plan || !balances.adds || balances.balance.step != run.sim.stepCount) return;
+    const std::string row = balances.plan ? rowOf(balances) : "";
+    if (!balances.adds || row.empty()) return;
     if (balances.file.length == 0) { // it could not be begun
         const FileResult begun = beginRows(balances.file);
         if (!begun) return tell(balances, run, begun.reason);
     }
-    const FileResult written = addRow(balances.file, balanceRow(run.sim, *balances.plan, balances.balance));
+    const FileResult written = addRow(balances.file, row);
     if (!written) tell(balances, run, written.reason);
 }
 
@@ -147,7 +159,7 @@ std::vector<NamedValue> lastRow(const Balances& balances) {
     return row;
 }
 
-/// "LENGTH MEASURED" and four numbers for each quantity, to the bit.
+/// "LENGTH MEASURED" and four numbers for each quantity, to the bit; behind a semicolon the row that is still to come.
 std::string position(const Balances& balances) {
     std::string text = std::to_string(balances.file.length) + " " + std::to_string(balances.measured);
     for (const LostChange& q : balances.lost)
@@ -156,7 +168,8 @@ std::string position(const Balances& balances) {
             const auto end = std::to_chars(digits, digits + sizeof digits, value);
             text.append(1, ' ').append(digits, end.ptr);
         }
-    return text;
+    const std::string row = rowOf(balances);
+    return text + ";" + row.substr(0, row.find('\r'));
 }
 
 template <class Number>
@@ -175,6 +188,9 @@ std::string goOn(Balances& balances, const RunContext& run, std::string_view pos
     for (LostChange& q : balances.lost)
         for (double* const value : {&q.moved, &q.lost, &q.kept, &q.lostCells})
             isRead = isRead && takeNumber(position, *value);
+    const bool hasRow = isRead && position.size() > 1 && position[0] == ';';
+    balances.pendingStep = run.sim.stepCount;
+    balances.pendingRow = hasRow ? std::string(position.substr(1)) + "\r\n" : "";
     if (!isRead || length < 0) return "the position in " + name + " is damaged";
     RowFileContent old;
     const FileResult read = lookAt(balances.file, old);
