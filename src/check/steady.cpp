@@ -1,8 +1,10 @@
 #include "check/steady.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <limits>
+#include <string_view>
 
 namespace norvane {
 
@@ -15,6 +17,35 @@ std::string unitIn(const std::string& name) {
     const std::size_t open = name.rfind('[');
     return open == std::string::npos ? "" : name.substr(open);
 }
+
+void appendWord(std::string& text, double value) {
+    char digits[40];
+    const auto end = std::to_chars(digits, digits + sizeof digits, value, std::chars_format::hex);
+    text.append(digits, end.ptr) += ' ';
+}
+
+/// The words of a text, each a number.
+struct Words {
+    std::string_view rest;
+    bool areGood = true;
+
+    double next() {
+        double value = 0;
+        const char* const end = rest.data() + rest.size();
+        const auto read = std::from_chars(rest.data(), end, value, std::chars_format::hex);
+        areGood = areGood && read.ec == std::errc() && read.ptr != end && *read.ptr == ' ';
+        if (areGood) rest.remove_prefix(static_cast<std::size_t>(read.ptr - rest.data()) + 1);
+        return areGood ? value : 0;
+    }
+
+    /// A whole number of at least 1.
+    std::int64_t count() {
+        constexpr double most = 1e15;
+        const double value = next();
+        areGood = areGood && value >= 1 && value <= most && value == std::floor(value);
+        return areGood ? static_cast<std::int64_t>(value) : 1;
+    }
+};
 
 } // namespace
 
@@ -30,6 +61,7 @@ SteadyRows::SteadyRows(const std::vector<std::string>& names, double keptTime) :
 
 void SteadyRows::add(double time, std::span<const double> values) {
     const std::size_t columns = names_.size();
+    if (values.size() != columns) return;
     if (blocks_.empty()) start_ = time;
     latest_ = time;
     const bool isNew = blocks_.empty() || blocks_.back().rows == rowsOfBlock_;
@@ -73,6 +105,46 @@ void SteadyRows::mergePairs() {
 }
 
 double SteadyRows::span() const { return latest_ - start_; }
+
+std::string SteadyRows::text() const {
+    std::string text;
+    for (const std::size_t count : {names_.size(), largest_.size(), blocks_.size()})
+        appendWord(text, static_cast<double>(count));
+    appendWord(text, static_cast<double>(rowsOfBlock_));
+    for (const double time : {start_, latest_}) appendWord(text, time);
+    for (const double largest : largest_) appendWord(text, largest);
+    for (const Block& block : blocks_) {
+        appendWord(text, block.begin);
+        appendWord(text, static_cast<double>(block.rows));
+    }
+    for (const Extent& extent : extents_)
+        for (const double value : {extent.low, extent.high, extent.sum}) appendWord(text, value);
+    return text;
+}
+
+bool SteadyRows::take(const std::string& text) {
+    Words words{text};
+    const bool hasColumns = words.count() == static_cast<std::int64_t>(names_.size());
+    const bool hasUnits = words.count() == static_cast<std::int64_t>(largest_.size());
+    const std::int64_t blocks = words.count();
+    if (!hasColumns || !hasUnits || blocks > static_cast<std::int64_t>(mostBlocks)) return false;
+    SteadyRows taken(names_, keptTime_);
+    taken.rowsOfBlock_ = words.count();
+    taken.start_ = words.next();
+    taken.latest_ = words.next();
+    for (double& largest : taken.largest_) largest = words.next();
+    taken.blocks_.resize(static_cast<std::size_t>(blocks));
+    for (Block& block : taken.blocks_) {
+        block.begin = words.next();
+        block.rows = words.count();
+    }
+    taken.extents_.resize(taken.blocks_.size() * names_.size());
+    for (Extent& extent : taken.extents_)
+        for (double* const value : {&extent.low, &extent.high, &extent.sum}) *value = words.next();
+    if (!words.areGood || !words.rest.empty()) return false;
+    *this = std::move(taken);
+    return true;
+}
 
 std::optional<std::size_t> SteadyRows::firstBlock(double window) const {
     std::int64_t rows = 0;

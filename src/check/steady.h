@@ -33,7 +33,7 @@ public:
     /// `keptTime`: no window will be longer, s; 0: it may reach back to the start.
     SteadyRows(const std::vector<std::string>& names, double keptTime);
 
-    /// Takes a row; times rise. `values` has a value for each name.
+    /// Takes a row with a value for each name; times rise.
     void add(double time, std::span<const double> values);
 
     /// The trends within the last so many seconds, rounded up to whole blocks. None where the rows do not reach back so
@@ -45,6 +45,11 @@ public:
     bool isSteady(double window, double tolerance) const;
 
     double span() const; ///< s from the first row to the last
+
+    /// All that was taken, as words between blanks, and back to the bit. Gives false, with nothing changed, for a text
+    /// that is not of rows with as many values.
+    std::string text() const;
+    bool take(const std::string& text);
 
 private:
     struct Block {

@@ -1,5 +1,6 @@
 #include "core/addressing.h"
 #include "core/balance.h"
+#include "core/neighbours.h"
 #include "core/source_terms.h"
 #include "core/stage_plan.h"
 #include "core/wall_codes.h"
@@ -42,16 +43,12 @@ void takeNeighbours(const SimState& sim, BalancePlan& plan, std::int32_t start, 
     while (!pending.empty()) {
         const std::int32_t cell = pending.back();
         pending.pop_back();
-        for (int dim = 1; dim <= sim.nDim; ++dim)
-            for (const std::int64_t step : {-std::int64_t{sim.cellStride[dim]}, std::int64_t{sim.cellStride[dim]}}) {
-                const std::int64_t next = cell + step;
-                if (!inSameRow(sim, cell, next, dim)) continue;
-                const auto neighbour = static_cast<std::int32_t>(next);
-                if (groupAt(plan, next) >= 0 || !isGrouped(sim, neighbour) || !areHeldAlike(sim, cell, neighbour))
-                    continue;
-                take(sim, plan, neighbour, number);
-                pending.push_back(neighbour);
-            }
+        forEachNeighbour(sim, cell, [&](std::int32_t neighbour, int, std::int32_t) {
+            if (groupAt(plan, neighbour) >= 0 || !isGrouped(sim, neighbour) || !areHeldAlike(sim, cell, neighbour))
+                return;
+            take(sim, plan, neighbour, number);
+            pending.push_back(neighbour);
+        });
     }
 }
 

@@ -12,7 +12,7 @@ namespace norvane {
 StageEngine processorEngine(SimState& sim, StagePlan plan);
 
 /// One stage [1..4] of a step, (S1) to (11) of docs/equations.md: reads the slopes of the stage before (stage 1: of all
-/// four), writes slots 5 and `stage`, in stage 1 also slot 0, and the primitives.
+/// four), writes slots 5 and `stage`, in stage 1 also slot 0 and remainders, where there are any, and the primitives.
 /// Source: classical fourth-order Runge-Kutta (Hairer, Norsett, Wanner, Solving ODEs I, II.1).
 void runStage(SimState& sim, StagePlan& plan, int stage, const FaultSink& fault);
 

@@ -70,6 +70,7 @@ struct FaceRows {
     std::int64_t toUpper = 0;                ///< from a cell to its upper neighbour; 0 where no cell has one
     bool startsSums = false;                 ///< the slopes begin with these faces, from 0
     bool constant = false;                   ///< all coefficients are the same along the row
+    bool sumsInDouble = false;               ///< the slopes are rounded after both faces, not after each term
     const std::int64_t* lowerMask = nullptr; ///< all bits: the face is open to the mass flow, 0: not; null: all are
     const std::int64_t* upperMask = nullptr; ///< the same; null together with lowerMask
 

@@ -1,6 +1,7 @@
 #include "core/slope_rows.h"
 
 #include "core/exact_arithmetic.h"
+#include "core/remainders.h"
 
 namespace norvane {
 
@@ -59,6 +60,7 @@ void setTransported(const SlopeRow& r, int dim, FaceRows& faces) {
     auto& speciesSlopes = sim.stageSpecies.slot(r.stage);
     auto& momentumSlopes = sim.stageMomentum.slot(r.stage);
     faces.normal = dim - 1;
+    faces.sumsInDouble = hasRemainders(sim);
     faces.momentum = sim.stageMomentum.slot(workSlot).component(dim) + first;
     faces.temperature = &sim.temperature[first];
     faces.pressure = &sim.pressure[first];

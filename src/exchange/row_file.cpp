@@ -57,7 +57,7 @@ FileResult addRow(RowFile& file, std::string_view row) {
 }
 
 FileResult goOnBehind(RowFile& file, std::int64_t length) {
-    FileResult cut = cutFile(file.path, length);
+    FileResult cut = cutFile(file.path, static_cast<std::uint64_t>(length));
     if (cut) file.length = length;
     return cut;
 }

@@ -1,6 +1,8 @@
 #include "formats/netcdf_file.h"
 
+#include <hdf5.h>
 #include <netcdf.h>
+#include <netcdf_mem.h>
 
 #include <utility>
 
@@ -41,29 +43,63 @@ constexpr nc_type typeOf<std::uint64_t>() {
     return NC_UINT64;
 }
 
+using Lock = std::lock_guard<std::recursive_mutex>;
+
 constexpr std::size_t longestText = std::size_t{1} << 30; // of an attribute of a file that others may have written
+
+/// HDF5 prints its faults on each thread that has not asked it to be silent. And at the end of the program it closes
+/// what is open, where it ends the process by a fault if a file could not be closed for want of room: all files of ours
+/// are closed by then.
+void silenceThread() {
+    static const bool leavesEnd = H5dont_atexit() >= 0;
+    (void)leavesEnd;
+    H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr);
+}
 
 } // namespace
 
-NetcdfFile NetcdfFile::create(const std::string& path) { return createAs(path, NC_CLOBBER); }
+std::recursive_mutex& netcdfMutex() {
+    static std::recursive_mutex mutex;
+    return mutex;
+}
 
-NetcdfFile NetcdfFile::createNew(const std::string& path) { return createAs(path, NC_NOCLOBBER); }
-
-NetcdfFile NetcdfFile::createAs(const std::string& path, int mode) {
+NetcdfFile NetcdfFile::created(int status, int number) {
     NetcdfFile file;
-    file.isDone(nc_create(path.c_str(), NC_NETCDF4 | mode, &file.file_), "create");
     int before = 0;
-    if (file.ok()) file.isDone(nc_set_fill(file.file_, NC_NOFILL, &before), "create");
+    if (file.isDone(status, "create")) {
+        file.file_ = number;
+        file.isDone(nc_set_fill(number, NC_NOFILL, &before), "create");
+    }
     return file;
 }
 
+NetcdfFile NetcdfFile::create(const std::string& path) {
+    const Lock lock(netcdfMutex());
+    silenceThread();
+    int number = -1;
+    const int status = nc_create(path.c_str(), NC_NETCDF4 | NC_CLOBBER, &number);
+    return created(status, number);
+}
+
+NetcdfFile NetcdfFile::createInMemory(std::size_t bytes) {
+    const Lock lock(netcdfMutex());
+    silenceThread();
+    int number = -1;
+    const int status = nc_create_mem("memory", NC_NETCDF4, bytes, &number);
+    return created(status, number);
+}
+
 NetcdfFile NetcdfFile::openToRead(const std::string& path) {
+    const Lock lock(netcdfMutex());
+    silenceThread();
     NetcdfFile file;
     file.isDone(nc_open(path.c_str(), NC_NOWRITE, &file.file_), "open");
     return file;
 }
 
 NetcdfFile NetcdfFile::openToAppend(const std::string& path) {
+    const Lock lock(netcdfMutex());
+    silenceThread();
     NetcdfFile file;
     file.isDone(nc_open(path.c_str(), NC_WRITE, &file.file_), "open");
     return file;
@@ -79,6 +115,7 @@ NetcdfFile& NetcdfFile::operator=(NetcdfFile&& other) noexcept {
 }
 
 NetcdfFile::~NetcdfFile() {
+    const Lock lock(netcdfMutex());
     if (file_ >= 0) nc_close(file_);
 }
 
@@ -93,6 +130,7 @@ bool NetcdfFile::isDone(int status, const char* what) {
 }
 
 int NetcdfFile::addDimension(const std::string& name, std::size_t length) {
+    const Lock lock(netcdfMutex());
     int dimension = -1;
     if (ok())
         isDone(nc_def_dim(file_, name.c_str(), length == 0 ? NC_UNLIMITED : length, &dimension),
@@ -101,12 +139,14 @@ int NetcdfFile::addDimension(const std::string& name, std::size_t length) {
 }
 
 int NetcdfFile::dimension(const std::string& name) {
+    const Lock lock(netcdfMutex());
     int dimension = -1;
     if (ok()) isDone(nc_inq_dimid(file_, name.c_str(), &dimension), ("dimension " + name).c_str());
     return dimension;
 }
 
 std::size_t NetcdfFile::length(int dimension) {
+    const Lock lock(netcdfMutex());
     std::size_t length = 0;
     if (ok()) isDone(nc_inq_dimlen(file_, dimension, &length), "dimension");
     return length;
@@ -114,6 +154,7 @@ std::size_t NetcdfFile::length(int dimension) {
 
 template <class Value>
 int NetcdfFile::addVariable(const std::string& name, const VariableLayout& layout) {
+    const Lock lock(netcdfMutex());
     int variable = -1;
     const std::string what = "variable " + name;
     if (!ok()) return variable;
@@ -128,34 +169,41 @@ int NetcdfFile::addVariable(const std::string& name, const VariableLayout& layou
 }
 
 int NetcdfFile::variable(const std::string& name) {
+    const Lock lock(netcdfMutex());
     int variable = -1;
     if (ok()) isDone(nc_inq_varid(file_, name.c_str(), &variable), ("variable " + name).c_str());
     return variable;
 }
 
 bool NetcdfFile::hasVariable(const std::string& name) {
+    const Lock lock(netcdfMutex());
     int variable = -1;
     return ok() && nc_inq_varid(file_, name.c_str(), &variable) == NC_NOERR;
 }
 
 void NetcdfFile::setText(int variable, const std::string& name, const std::string& text) {
+    const Lock lock(netcdfMutex());
     if (ok()) isDone(nc_put_att_text(file_, variable, name.c_str(), text.size(), text.data()), name.c_str());
 }
 
 void NetcdfFile::setNumber(int variable, const std::string& name, double value) {
+    const Lock lock(netcdfMutex());
     if (ok()) isDone(nc_put_att_double(file_, variable, name.c_str(), NC_DOUBLE, 1, &value), name.c_str());
 }
 
 void NetcdfFile::setNumber(int variable, const std::string& name, float value) {
+    const Lock lock(netcdfMutex());
     if (ok()) isDone(nc_put_att_float(file_, variable, name.c_str(), NC_FLOAT, 1, &value), name.c_str());
 }
 
 void NetcdfFile::setNumber(int variable, const std::string& name, std::int32_t value) {
+    const Lock lock(netcdfMutex());
     const int number = value;
     if (ok()) isDone(nc_put_att_int(file_, variable, name.c_str(), NC_INT, 1, &number), name.c_str());
 }
 
 std::string NetcdfFile::text(int variable, const std::string& name) {
+    const Lock lock(netcdfMutex());
     nc_type type = NC_NAT;
     std::size_t length = 0;
     if (!ok() || !isDone(nc_inq_att(file_, variable, name.c_str(), &type, &length), name.c_str())) return {};
@@ -169,6 +217,7 @@ std::string NetcdfFile::text(int variable, const std::string& name) {
 }
 
 double NetcdfFile::number(int variable, const std::string& name) {
+    const Lock lock(netcdfMutex());
     nc_type type = NC_NAT;
     std::size_t length = 0;
     double value = 0;
@@ -181,11 +230,13 @@ double NetcdfFile::number(int variable, const std::string& name) {
 }
 
 bool NetcdfFile::hasAttribute(int variable, const std::string& name) {
+    const Lock lock(netcdfMutex());
     int number = 0;
     return ok() && nc_inq_attid(file_, variable, name.c_str(), &number) == NC_NOERR;
 }
 
 std::vector<std::size_t> NetcdfFile::shape(int variable) {
+    const Lock lock(netcdfMutex());
     int rank = 0;
     if (!ok() || !isDone(nc_inq_varndims(file_, variable, &rank), "variable")) return {};
     std::vector<int> dimensions(static_cast<std::size_t>(rank));
@@ -200,6 +251,7 @@ void NetcdfFile::write(int variable,
                        const std::vector<std::size_t>& start,
                        const std::vector<std::size_t>& count,
                        const Value* values) {
+    const Lock lock(netcdfMutex());
     if (ok()) isDone(nc_put_vara(file_, variable, start.data(), count.data(), values), "write");
 }
 
@@ -208,6 +260,7 @@ void NetcdfFile::read(int variable,
                       const std::vector<std::size_t>& start,
                       const std::vector<std::size_t>& count,
                       Value* values) {
+    const Lock lock(netcdfMutex());
     nc_type type = NC_NAT;
     if (!ok() || !isDone(nc_inq_vartype(file_, variable, &type), "read")) return;
     if (type != typeOf<Value>())
@@ -217,9 +270,21 @@ void NetcdfFile::read(int variable,
 }
 
 bool NetcdfFile::close() {
+    const Lock lock(netcdfMutex());
     const int file = std::exchange(file_, -1);
     if (file >= 0) isDone(nc_close(file), "close");
     return ok();
+}
+
+FileImage NetcdfFile::closeToMemory() {
+    const Lock lock(netcdfMutex());
+    FileImage image;
+    NC_memio memory{};
+    const int file = std::exchange(file_, -1);
+    if (file < 0 || !isDone(nc_close_memio(file, &memory), "close")) return image;
+    image.bytes.reset(static_cast<char*>(memory.memory));
+    if (ok()) image.count = memory.size;
+    return image;
 }
 
 #define NORVANE_INSTANTIATE(Value)                                                                                     \

@@ -158,14 +158,6 @@ FileResult readEnd(const std::string& path, std::size_t bytes, std::string& cont
     return result;
 }
 
-FileResult cutFile(const std::string& path, std::int64_t length) {
-    FileResult result;
-    const File file = openFile(path, Access::update, result);
-    errno = 0;
-    if (file && !cutTo(file.get(), length)) result = failure(errno);
-    return result;
-}
-
 FileResult writeFile(const std::string& path, std::string_view content) {
     return writeThrough(path, Access::replace, content);
 }
@@ -223,13 +215,6 @@ FileResult flushFile(const std::string& path) {
     if (!file) return result;
     errno = 0;
     return flushToDisc(file.get()) ? FileResult{} : failure(errno);
-}
-
-FileResult roomFor(const std::string& folder, std::uint64_t bytes) {
-    std::error_code unknown;
-    const auto space = std::filesystem::space(folder, unknown);
-    if (!unknown && space.available < bytes) return failure(ENOSPC);
-    return static_cast<std::uint64_t>(fileSizeLimit()) < bytes ? failure(EFBIG) : FileResult{};
 }
 
 std::string programPath(const std::string& calledName) {

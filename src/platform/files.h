@@ -61,9 +61,6 @@ FileResult writeFile(const std::string& path, std::string_view content);
 /// Adds bytes at the end of a file, which is created if need be; at a fault it is left as it was.
 FileResult appendFile(const std::string& path, std::string_view content);
 
-/// Cuts what lies beyond so many bytes off a file.
-FileResult cutFile(const std::string& path, std::int64_t length);
-
 /// Replaces a file by way of a new one beside it: the name stands for the old content or the whole new one. See
 /// Replacement.
 FileResult replaceFile(const std::string& path, std::string_view content);
@@ -82,10 +79,6 @@ FileResult cutFile(const std::string& path, std::uint64_t length);
 
 /// Waits until the content of a file is on the disc.
 FileResult flushFile(const std::string& path);
-
-/// Whether so many bytes more may be written to a file in a folder: the free room of its disc, and the system's limit
-/// for a file. What the system does not say counts as enough.
-FileResult roomFor(const std::string& folder, std::uint64_t bytes);
 
 /// Names of the files in a folder with a given ending, whatever the case, sorted byte by byte; no folders. Empty if the
 /// folder can't be read.

@@ -14,7 +14,7 @@ namespace {
 
 constexpr double undefined = std::numeric_limits<double>::quiet_NaN();
 constexpr int deepest = 6000;                  // calls of node, each of which takes room on the stack
-constexpr std::int64_t mostWork = 400'000'000; // nodes: some seconds
+constexpr std::int64_t mostWork = 100'000'000; // nodes: a second or two
 
 /// Takes value after value into one.
 struct Folding {
@@ -107,8 +107,7 @@ double Evaluation::node(const Expression& expression) {
         break;
     }
     case Term::choice: result = node(expression.parts[node(expression.parts[0]) != 0 ? 1 : 2]); break;
-    case Term::overCells: result = foldCells(expression); break;
-    case Term::overTable: result = foldTable(expression); break;
+    case Term::fold: result = fold(expression); break;
     case Term::along: result = along(expression); break;
     case Term::series: result = series(expression); break;
     case Term::root: result = root(expression); break;
@@ -171,40 +170,54 @@ std::vector<std::int32_t> Evaluation::cellsOf(const Expression& expression) {
     return cells;
 }
 
-double Evaluation::foldCells(const Expression& expression) {
+void Evaluation::forEach(const Expression& expression, const std::function<bool(const Evaluate& evaluate)>& visit) {
+    if (expression.source.kind != FoldSource::Kind::table) {
+        for (const std::int32_t cell : cellsOf(expression)) {
+            const bool goesOn = visit([&](const Expression& part) { return inCell(cell, part); });
+            if (!goesOn || !fault.empty()) return;
+        }
+        return;
+    }
+    touched_ |= stateRead; // a record grows
+    const std::size_t outer = bound_.size();
+    bool isEmpty = true;
+    for (const std::vector<double>& row : *meanings_.tables[expression.source.index]) {
+        bound_.insert(bound_.end(), row.begin(), row.end());
+        const bool counts = node(expression.parts[0]) != 0;
+        const bool goesOn = !counts || visit([&](const Expression& part) { return node(part); });
+        bound_.resize(outer);
+        if (!goesOn || !fault.empty()) return;
+        isEmpty = isEmpty && !counts;
+    }
+    if (isEmpty) fail("no row of the table meets its condition");
+}
+
+double Evaluation::fold(const Expression& expression) {
     Folding folding{static_cast<Fold>(expression.index)};
-    for (const std::int32_t cell : cellsOf(expression)) folding.take(inCell(cell, expression.parts[1]));
+    forEach(expression, [&](const Evaluate& evaluate) {
+        folding.take(evaluate(expression.parts[1]));
+        return true;
+    });
     return folding.result();
 }
 
-double Evaluation::foldTable(const Expression& expression) {
-    Folding folding{static_cast<Fold>(expression.index)};
-    touched_ |= stateRead; // a record grows
-    const std::size_t outer = bound_.size();
-    for (const std::vector<double>& row : *meanings_.tables[expression.source.index]) {
-        bound_.insert(bound_.end(), row.begin(), row.end());
-        if (node(expression.parts[0]) != 0) folding.take(node(expression.parts[1]));
-        bound_.resize(outer);
-        if (!fault.empty()) break;
-    }
-    return folding.count > 0 ? folding.result() : fail("no row of the table meets its condition");
-}
-
-/// Between two neighbours of a list of cells the value runs straight.
+/// Between two neighbours of a list the value runs straight.
 double Evaluation::along(const Expression& expression) {
     const double position = node(expression.parts[3]);
     double lastAt = undefined;
     double lastValue = undefined;
-    for (const std::int32_t cell : cellsOf(expression)) {
-        const double at = inCell(cell, expression.parts[1]);
-        const double value = inCell(cell, expression.parts[2]);
-        if (at == position) return value;
-        if ((lastAt < position && position < at) || (at < position && position < lastAt))
-            return lastValue + (value - lastValue) * (position - lastAt) / (at - lastAt);
+    double found = undefined;
+    forEach(expression, [&](const Evaluate& evaluate) {
+        const double at = evaluate(expression.parts[1]);
+        const double value = evaluate(expression.parts[2]);
+        const bool isBetween = (lastAt < position && position < at) || (at < position && position < lastAt);
+        if (at == position) found = value;
+        if (isBetween) found = lastValue + (value - lastValue) * (position - lastAt) / (at - lastAt);
         lastAt = at;
         lastValue = value;
-    }
-    return fail("the position lies beyond the cells");
+        return at != position && !isBetween;
+    });
+    return std::isnan(found) ? fail("the position lies beyond the cells or rows, or there is no number") : found;
 }
 
 double Evaluation::withCounter(double counter, const Expression& expression) {

@@ -4,6 +4,7 @@
 #include "verify/built_in.h"
 #include "verify/expression.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -64,15 +65,19 @@ private:
     int depth_ = 0;
     std::int64_t work_ = 0;
 
+    /// The value of a part in the cell or row that is visited.
+    using Evaluate = std::function<double(const Expression& part)>;
+
     double fail(const std::string& reason);
     double node(const Expression& expression);
     double runValue(int which);
     double namedValue(int place);
-    double foldCells(const Expression& expression);
-    double foldTable(const Expression& expression);
+    double fold(const Expression& expression);
     double along(const Expression& expression);
     double series(const Expression& expression);
     double root(const Expression& expression);
+    /// Visits the cells or rows of an expression's source that meet its condition, until the visit gives false.
+    void forEach(const Expression& expression, const std::function<bool(const Evaluate& evaluate)>& visit);
     std::vector<std::int32_t> cellsOf(const Expression& expression);
     double inCell(std::int32_t cell, const Expression& expression);
     double withCounter(double counter, const Expression& expression);

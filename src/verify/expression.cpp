@@ -194,7 +194,7 @@ private:
     Expression form(const std::string& name) {
         Expression result;
         if (const int fold = placeOfName(foldNames, name); fold >= 0) return foldOf(fold);
-        if (name == "along") return alongCells();
+        if (name == "along") return alongSource();
         if (name == "series" || name == "root") return counted(name == "series" ? Term::series : Term::root);
         if (name == "if") {
             result.term = Term::choice;
@@ -252,9 +252,8 @@ private:
     }
 
     Expression foldOf(int fold) {
-        Expression result{Term::overCells, 0, fold, {}, {}};
+        Expression result{Term::fold, 0, fold, {}, {}};
         source(result);
-        if (result.source.kind == FoldSource::Kind::table) result.term = Term::overTable;
         need(',');
         openScope(result.source);
         result.parts.push_back(operation(0));
@@ -263,16 +262,15 @@ private:
         return result;
     }
 
-    Expression alongCells() {
+    Expression alongSource() {
         Expression result{Term::along, 0, 0, {}, {}};
         source(result);
-        if (result.source.kind == FoldSource::Kind::table) fail("along runs over cells");
-        openScope({});
+        openScope(result.source);
         for (int part = 0; part < 2; ++part) {
             need(',');
             result.parts.push_back(operation(0));
         }
-        closeScope({});
+        closeScope(result.source);
         need(',');
         result.parts.push_back(operation(0));
         need(')');

@@ -16,9 +16,8 @@ enum class Term : std::uint8_t {
     bound,     ///< index: place of a column or counter, counted from the outermost one of the text
     call,      ///< index: into functions()
     choice,    ///< parts: condition, value where it is not 0, value where it is
-    overCells, ///< index: Fold; parts: condition of cells, body
-    overTable, ///< index: Fold; parts: condition of rows, body
-    along,     ///< parts: condition of cells, coordinate, value, position
+    fold,      ///< index: Fold; parts: condition of cells or rows, body
+    along,     ///< parts: condition of cells or rows, coordinate, value, position
     series,    ///< parts: first, last, body
     root,      ///< parts: lower end, upper end, body
     profile,   ///< parts: condition of cells, abscissa, value, expected value

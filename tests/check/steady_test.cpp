@@ -44,6 +44,9 @@ TEST(steady, isWhatStaysWithinTheToleranceOfItsMeanOverTheWindow) {
                 }
                 EXPECT_EQ(rows.isSteady(1, 0.01), signal.isSteady) << signal.what << ", " << steps << " steps";
                 EXPECT_EQ(rows.trends(1)->front().isSteady(0.01), signal.isSteady) << signal.what;
+                SteadyRows taken({"a [K]"}, kept);
+                EXPECT_TRUE(taken.take(rows.text()));
+                EXPECT_EQ(taken.text(), rows.text());
             }
 }
 
@@ -64,6 +67,12 @@ TEST(steady, isNotKnownBeforeTheRowsFillTheWindow) {
     EXPECT_TRUE(rows.isSteady(10, 0.1));
     EXPECT_FALSE(rows.isSteady(100, 0.1)) << "99 s of rows";
     EXPECT_EQ(rows.span(), 99);
+    const std::string text = rows.text();
+    for (const std::string& other : {std::string(), text.substr(2), text.substr(0, text.size() - 1), text + "1 ",
+                                     "1 1 7fffffff 1 " + text.substr(8), std::string("x ")})
+        EXPECT_FALSE(rows.take(other)) << other;
+    EXPECT_FALSE(SteadyRows({"a", "b"}, 0).take(text));
+    EXPECT_EQ(rows.text(), text);
 }
 
 } // namespace

@@ -108,7 +108,8 @@ TEST(commandLine, makesAFilmOfTheNumberedPicturesAndKeepsThemWhereItFails) {
     EXPECT_EQ(failed.status, 4);
     EXPECT_THAT(failed.out, HasSubstr("No film x.mp4: ffmpeg could not make it. The pictures "));
     EXPECT_TRUE(test.exists("m_000002.png") && !test.exists("x.mp4"));
-    EXPECT_THAT(runProgram(film, path).out, HasSubstr("The film x.mp4 has 3 pictures."));
+    EXPECT_THAT(runProgram(film, path).out,
+                testing::AllOf(HasSubstr("The film x.mp4 has 3 pictures."), HasSubstr("  Files: m_out, x.mp4\n")));
     std::string list;
     for (const char* step : {"2", "4", "6"})
         list += "file '" + test.folder.string() + "/m_00000" + step + ".png'\nduration 0.04\n";
@@ -276,6 +277,14 @@ TEST(commandLine, changesTheDrawingInMemoryAndTheNamesOfItsOutputs) {
     EXPECT_EQ(runProgram("run m.gmt -o m.gmt").status, 2);
     test.write("x_out", table);
     EXPECT_EQ(runProgram("run x_out --name x").status, 2) << "the outputs would replace the drawing";
+}
+
+TEST(commandLine, compensatesARunThatAsksForIt) {
+    TestProgram test;
+    test.write("m.gmt", "DT 2.5E-9:NT 9000:UT 0:LA 200:CP 1000\t\nL\t\n.WV 1;1\tTT 301\nL\t");
+    EXPECT_EQ(runProgram("run m.gmt -q -o single").status, 0);
+    EXPECT_EQ(runProgram("run m.gmt -q -o kept --compensated").status, 0);
+    EXPECT_NE(test.read("kept/m_out"), test.read("single/m_out"));
 }
 
 TEST(commandLine, showsAndComparesDrawings) {

@@ -231,7 +231,7 @@ QString setThreads(const char* control, const QString& number, Qt::Key answer) {
     QContextMenuEvent event(QContextMenuEvent::Keyboard, place->rect().center(), {5, 5});
     QApplication::sendEvent(place, &event);
     auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-    if (menu == nullptr || menu->actions().size() != 2) return "(no menu)";
+    if (menu == nullptr || menu->actions().size() != 3) return "(no menu)";
     QAction* entry = menu->actions().front();
     menu->close();
     QString shown;
@@ -266,6 +266,16 @@ TEST(windows, keepTheNumberOfThreadsForTheNextRuns) {
     Desktop(named.program).start({named.folder.string(), "norvane", {}});
     EXPECT_EQ(named.sim.threads, 5);
     EXPECT_EQ(Screen().test.sim.threads, 2) << "which counts for one start";
+}
+
+TEST(windows, compensateTheNextRunWhereItsEntryIsTicked) {
+    Screen screen;
+    auto* entry = findWidget<QAction>("NV_in.compensated");
+    ASSERT_FALSE(entry->isChecked());
+    entry->trigger();
+    EXPECT_TRUE(entry->isChecked() && screen.test.sim.compensated);
+    entry->trigger();
+    EXPECT_FALSE(entry->isChecked() || screen.test.sim.compensated);
 }
 
 TEST(windows, checkTheSelectedGeometry) {

@@ -1,5 +1,6 @@
 // Every command that writes, with a fault in each of its file operations in turn, and killed before each.
 
+#include "frontends/cli/command_line.h"
 #include "platform/file_faults.h"
 #include "platform/files.h"
 #include "platform/safe_file.h"
@@ -22,8 +23,6 @@
 #include <sstream>
 #include <string>
 #include <vector>
-
-int norvaneMain(int argc, char** argv); // that of the program
 
 namespace norvane {
 namespace {
@@ -81,7 +80,7 @@ Outcome carryOut(const std::vector<std::string>& words, Kind kind, int at) {
         for (std::string& word : all) arguments.push_back(word.data());
         arguments.push_back(nullptr);
         setFileFaults(meet);
-        const int status = norvaneMain(static_cast<int>(all.size()), arguments.data());
+        const int status = programMain(static_cast<int>(all.size()), arguments.data());
         std::fflush(nullptr);
         ::_exit(status);
     }

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <string>
 #include <type_traits>
+#include <vector>
 
 namespace norvane::plain {
 
@@ -46,74 +47,128 @@ Face locateFace(const SimState& sim, std::int32_t cell, int faceIndex) {
     return face;
 }
 
+/// The slopes of a cell in a stage, which each term rounds.
+struct RoundedSlopes {
+    SimState& sim;
+    int stage;
+    std::int32_t cell;
+
+    float& species(int k) const { return sim.stageSpecies(stage, k, cell); }
+
+    float& energy() const { return sim.stageEnergy(stage, cell); }
+
+    float& momentum(int dim) const { return sim.stageMomentum(stage, cell, dim); }
+};
+
+/// The slopes of a cell in a stage as the terms of one dimension find them and leave them: doubles in between.
+class WideSlopes {
+public:
+    explicit WideSlopes(const SimState& sim)
+        : species_(static_cast<std::size_t>(sim.nsMax + 1)), momentum_(static_cast<std::size_t>(sim.nDim + 1)) {}
+
+    double& species(int k) { return species_[static_cast<std::size_t>(k)]; }
+
+    double& energy() { return energy_; }
+
+    double& momentum(int dim) { return momentum_[static_cast<std::size_t>(dim)]; }
+
+    void load(const RoundedSlopes& slopes) {
+        forAll(slopes, [](double& wide, float& stored) { wide = stored; });
+    }
+
+    void store(const RoundedSlopes& slopes) {
+        forAll(slopes, [](double& wide, float& stored) { stored = static_cast<float>(wide); });
+    }
+
+private:
+    template <class Work>
+    void forAll(const RoundedSlopes& slopes, const Work& work) {
+        for (int k = 0; k <= slopes.sim.nsMax; ++k) work(species(k), slopes.species(k));
+        work(energy(), slopes.energy());
+        for (int dim = 1; dim <= slopes.sim.nDim; ++dim) work(momentum(dim), slopes.momentum(dim));
+    }
+
+    std::vector<double> species_;
+    double energy_ = 0;
+    std::vector<double> momentum_;
+};
+
 /// Adds what the flow through a face brings. A subtraction, not the addition of a negative, leaves the sign of a NaN as
 /// it is.
-void addFlow(float& slope, const Face& face, double amount) {
-    slope = static_cast<float>(face.isUpper ? double(slope) - amount : double(slope) + amount);
+template <class Number>
+void addFlow(Number& slope, const Face& face, double amount) {
+    slope = static_cast<Number>(face.isUpper ? double(slope) - amount : double(slope) + amount);
+}
+
+template <class Number>
+void add(Number& slope, double amount) {
+    slope = static_cast<Number>(double(slope) + amount);
 }
 
 /// (1)
-void addSpeciesAdvection(SimState& sim, int stage, std::int32_t cell, const Face& face) {
+template <class Slopes>
+void addSpeciesAdvection(const SimState& sim, Slopes& slopes, const Face& face) {
     for (int species = 0; species <= sim.nsMax; ++species)
-        addFlow(sim.stageSpecies(stage, species, cell), face,
-                face.massFlow * double(sim.concentration(face.donor, species)));
+        addFlow(slopes.species(species), face, face.massFlow * double(sim.concentration(face.donor, species)));
 }
 
 /// (2)
-void addHeatAdvection(SimState& sim, int stage, std::int32_t cell, const Face& face) {
+template <class Slopes>
+void addHeatAdvection(const SimState& sim, Slopes& slopes, std::int32_t cell, const Face& face) {
     if (sim.wallTemperature[cell] > 0) return;
-    addFlow(sim.stageEnergy(stage, cell), face,
+    addFlow(slopes.energy(), face,
             face.massFlow * double(sim.heatCapacity[face.donor]) * double(sim.temperature[face.donor]));
 }
 
 /// (3), as if momentum were cell-centred.
-void addMomentumAdvection(SimState& sim, int stage, std::int32_t cell, const Face& face) {
+template <class Slopes>
+void addMomentumAdvection(const SimState& sim, Slopes& slopes, std::int32_t cell, const Face& face) {
     for (int dim = 1; dim <= sim.nDim; ++dim) {
         if (sim.wallVelocity(cell, dim) > 0) continue;
-        addFlow(sim.stageMomentum(stage, cell, dim), face, face.massFlow * double(sim.velocity(face.donor, dim)));
+        addFlow(slopes.momentum(dim), face, face.massFlow * double(sim.velocity(face.donor, dim)));
     }
 }
 
 /// (4), only for the cell below the face, which keeps the momentum of the face.
-void addPressureForce(SimState& sim, int stage, std::int32_t cell, const Face& face) {
+template <class Slopes>
+void addPressureForce(const SimState& sim, Slopes& slopes, std::int32_t cell, const Face& face) {
     if (sim.wallVelocity(cell, face.dim) > 0) return;
     const double difference = double(sim.pressure[cell]) - double(sim.pressure[face.neighbour]);
-    accumulate(sim.stageMomentum(stage, cell, face.dim), difference * double(sim.faceArea(cell, face.dim)));
+    add(slopes.momentum(face.dim), difference * double(sim.faceArea(cell, face.dim)));
 }
 
 /// (5)
-void addHeatConduction(SimState& sim, int stage, std::int32_t cell, const Face& face) {
+template <class Slopes>
+void addHeatConduction(const SimState& sim, Slopes& slopes, std::int32_t cell, const Face& face) {
     if (sim.wallTemperature[cell] > 0) return;
     const double difference = double(sim.temperature[face.neighbour]) - double(sim.temperature[cell]);
-    accumulate(sim.stageEnergy(stage, cell), difference * double(sim.conductionCoef(face.lower, face.dim)));
+    add(slopes.energy(), difference * double(sim.conductionCoef(face.lower, face.dim)));
 }
 
 /// (6)
-void addViscousExchange(SimState& sim, int stage, std::int32_t cell, const Face& face) {
+template <class Slopes>
+void addViscousExchange(const SimState& sim, Slopes& slopes, std::int32_t cell, const Face& face) {
     for (int dim = 1; dim <= sim.nDim; ++dim) {
         if (sim.wallVelocity(cell, dim) > 0) continue;
         const double difference = double(sim.velocity(face.neighbour, dim)) - double(sim.velocity(cell, dim));
-        accumulate(sim.stageMomentum(stage, cell, dim), difference * double(sim.viscousCoef(face.lower, face.dim)));
+        add(slopes.momentum(dim), difference * double(sim.viscousCoef(face.lower, face.dim)));
     }
 }
 
-} // namespace
-
-static void faceTerms(SimState& sim, int stage, std::int32_t cell, int faceIndex) {
+template <class Slopes>
+void addFaceTerms(const SimState& sim, Slopes& slopes, std::int32_t cell, int faceIndex) {
     const Face face = locateFace(sim, cell, faceIndex);
     if (!face.exists) return;
     if (face.advects) {
-        addSpeciesAdvection(sim, stage, cell, face);
-        addHeatAdvection(sim, stage, cell, face);
-        addMomentumAdvection(sim, stage, cell, face);
+        addSpeciesAdvection(sim, slopes, face);
+        addHeatAdvection(sim, slopes, cell, face);
+        addMomentumAdvection(sim, slopes, cell, face);
     }
-    if (face.isUpper) addPressureForce(sim, stage, cell, face);
+    if (face.isUpper) addPressureForce(sim, slopes, cell, face);
     // Heat and shear pass through a closed face and out of an empty cell as well.
-    addHeatConduction(sim, stage, cell, face);
-    addViscousExchange(sim, stage, cell, face);
+    addHeatConduction(sim, slopes, cell, face);
+    addViscousExchange(sim, slopes, cell, face);
 }
-
-namespace {
 
 /// (7)
 void addDrag(SimState& sim, int stage, std::int32_t cell) {
@@ -304,9 +359,20 @@ void formWorkState(SimState& sim, int stage) {
 }
 
 void computeSlopes(SimState& sim, int stage) {
+    WideSlopes wide(sim);
     for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) {
         clearSlopes(sim, stage, cell);
-        for (int faceIndex = 1; faceIndex <= 2 * sim.nDim; ++faceIndex) faceTerms(sim, stage, cell, faceIndex);
+        RoundedSlopes rounded{sim, stage, cell};
+        for (int dim = 1; dim <= sim.nDim; ++dim) {
+            const int lower = 2 * dim - 1;
+            if (hasRemainders(sim)) {
+                wide.load(rounded);
+                for (const int faceIndex : {lower, lower + 1}) addFaceTerms(sim, wide, cell, faceIndex);
+                wide.store(rounded);
+            } else {
+                for (const int faceIndex : {lower, lower + 1}) addFaceTerms(sim, rounded, cell, faceIndex);
+            }
+        }
         addDrag(sim, stage, cell);
         addGravity(sim, stage, cell);
         addSink(sim, stage, cell);

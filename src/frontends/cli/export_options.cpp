@@ -10,7 +10,9 @@ namespace norvane {
 namespace {
 
 constexpr const char* exportHelp =
-    "Write the fields of a geometry for other programs, as it starts or with --state as it was saved.\n\n"
+    "Write the fields of a geometry for other programs, as it starts or with --state as it was saved: into "
+    "m_frames.nc\n"
+    "(netCDF, with m_frames.xdmf beside it for programs that draw meshes) or the file of -o, or as a table.\n\n"
     "--csv writes a line for each cell: its number, its address in the table, the coordinates of its centre in m,\n"
     "and the quantities with 9 digits, from which a single comes back to the bit. Velocities hold on the upper face\n"
     "of the cell in their dimension, as the headings say. --sheet writes one quantity in the shape of the drawing,\n"
@@ -57,7 +59,7 @@ Command addExport(CLI::App& app) {
     CLI::App* command = app.add_subcommand("export", exportHelp);
     addGeometry(command, options.geometry);
     command->add_flag("--state", options.state, "recall the saved state first");
-    command->add_option("-o,--output", options.output, "the file; of --sheet - is standard output, as without it")
+    command->add_option("-o,--output", options.output, "the file of frames or of --sheet, where - is standard output")
         ->type_name("FILE")
         ->check(notEmpty);
     addTableOptions(command, options);

@@ -14,7 +14,8 @@ namespace norvane {
 struct Frames {
     std::string prefix; ///< path of a frame up to its number
     std::vector<std::string> paths;
-    int missing = 0; ///< frames that could not be written; the first one is reported
+    std::string film; ///< that took the place of the frames; empty: they stay
+    int missing = 0;  ///< frames that could not be written; the first one is reported
 };
 
 /// Draws the plot of this moment and writes it as the next frame.

@@ -150,9 +150,10 @@ std::string goOn(Probes& probes, const std::string& position) {
     const char* const end = position.data() + position.size();
     const auto read = std::from_chars(position.data(), end, length);
     if (read.ec != std::errc() || read.ptr != end || length < 0) return "the position in " + name + " is no number";
+    if (length == 0) return {}; // it could not be begun, and is tried again with the next row
     const auto headerLength = static_cast<std::int64_t>(probes.file.header.size());
     const bool fits = probes.old.isSame && length >= headerLength && length <= probes.old.wholeBytes;
-    if (!fits) return name + " is not the table that this run was writing; put it back, or run with --no-probes";
+    if (!fits) return name + " is not the table that the run was writing; put it back";
     const FileResult cut = goOnBehind(probes.file, length);
     return cut ? "" : name + " can't be written: " + cut.reason;
 }

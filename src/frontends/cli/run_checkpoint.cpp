@@ -2,14 +2,14 @@
 
 #include "core/number_text.h"
 #include "core/run_memory.h"
-#include "frontends/cli/run_console.h"
+#include "frontends/cli/run_resume.h"
 #include "frontends/cli/stop_signals.h"
 #include "geometry/table_text.h"
 #include "platform/files.h"
 #include "platform/sealed_file.h"
 
+#include <algorithm>
 #include <cmath>
-#include <memory>
 #include <utility>
 
 namespace norvane {
@@ -18,19 +18,20 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr const char* extraName = "--checkpoint-every";
-constexpr const char* logPosition = "log";
-
 #ifdef NORVANE_NETCDF
 constexpr bool hasCheckpoints = true;
 #else
 constexpr bool hasCheckpoints = false;
+
+} // namespace
 
 std::string writeCheckpoint(const std::string&, SimState&, const Checkpoint&) { return {}; }
 
 std::string readCheckpoint(const std::string&, Checkpoint&) { return {}; }
 
 std::string readCheckpointFields(const std::string&, SimState&) { return {}; }
+
+namespace {
 #endif
 
 /// "1000", "30s", "5min", "2h". Gives what is wrong; empty: nothing.
@@ -52,42 +53,9 @@ std::string parseInterval(const std::string& text, RunCheckpoints& checkpoints) 
     return {};
 }
 
-SimState& simOf(ConsoleRun& run) { return run.console.program.sim; }
-
-void complain(ConsoleRun& run, const std::string& line) { contextOf(run).complain(line); }
-
-std::string logPath(const SimState& sim) { return joinPath(sim.inputDir, sim.baseName + "_log"); }
-
-/// Options that shape what the files of a run hold, beside the table.
-std::vector<NamedText> settingsOf(const ConsoleRun& run) {
-    const RunOptions& options = run.options;
-    std::vector<NamedText> settings;
-    if (options.plotEvery > 0) settings.push_back({"--plot-every", std::to_string(options.plotEvery)});
-    if (options.frameEvery > 0) settings.push_back({"--snapshots", std::to_string(options.frameEvery)});
-    if (options.radiation) settings.push_back({"--radiation", ""});
-    for (const RunExtra& extra : run.extras)
-        if (extra.name != extraName)
-            settings.push_back({extra.name, extra.steps > 0 ? "every " + std::to_string(extra.steps) + " steps" : ""});
-    return settings;
-}
-
-/// The first setting of `list` that `others` lacks.
-const NamedText* settingBeyond(const std::vector<NamedText>& list, const std::vector<NamedText>& others) {
-    for (const NamedText& setting : list)
-        if (std::find(others.begin(), others.end(), setting) == others.end()) return &setting;
-    return nullptr;
-}
-
-std::string settingText(const NamedText& setting) {
-    return setting.text.empty() ? setting.name : setting.name + " (" + setting.text + ")";
-}
-
-// --- writing
-// ----------------------------------------------------------------------------------------------------------
-
 std::vector<NamedText> positionsOf(const ConsoleRun& run, const SimState& sim) {
     std::vector<NamedText> positions;
-    if (sim.logEvery > 0) positions.push_back({logPosition, std::to_string(stampOf(logPath(sim)).size)});
+    if (sim.logEvery > 0) positions.push_back({logPositionName, std::to_string(stampOf(logPath(sim)).size)});
     for (const RunExtra& extra : run.extras)
         if (extra.position) positions.push_back({extra.name, extra.position()});
     return positions;
@@ -122,7 +90,7 @@ void flushFiles(const ConsoleRun& run, const SimState& sim) {
     if (sim.logEvery > 0) flush(logPath(sim));
     for (const RunExtra& extra : run.extras)
         for (const std::string& ending : extra.endings)
-            if (extra.name != extraName) flush(joinPath(sim.inputDir, sim.baseName + ending));
+            if (extra.name != checkpointExtra) flush(joinPath(sim.inputDir, sim.baseName + ending));
 }
 
 std::string writeAndPublish(ConsoleRun& run, bool afterOutputs) {
@@ -187,140 +155,36 @@ bool finishCheckpoints(ConsoleRun& run) {
     return checkpoints.failures == 0;
 }
 
-// --- going on
-// ---------------------------------------------------------------------------------------------------------
-
-/// What else there is, when a checkpoint can't be taken.
-std::string otherWays(const RunCheckpoints& checkpoints, bool tookOlder) {
-    const std::string afresh = "Start the run afresh, without --resume.";
-    if (tookOlder || !stampOf(checkpoints.older).exists) return afresh;
-    Checkpoint older;
-    const std::string fault = readCheckpoint(checkpoints.older, older);
-    if (!fault.empty())
-        return "The one before it, " + nameOf(checkpoints.older) + ", is of no use either: " + fault + ".\n" + afresh;
-    return "The one before it, " + nameOf(checkpoints.older) + ", is of step " + std::to_string(older.step)
-           + ": --resume-older in place of --resume goes on from there.";
-}
-
-/// The file that the run goes on from.
-const std::string& sourceOf(const ConsoleRun& run) {
-    return run.options.checkpoints.older ? run.checkpoints.older : run.checkpoints.path;
-}
-
-ExitStatus readSource(ConsoleRun& run) {
-    RunCheckpoints& checkpoints = run.checkpoints;
-    const std::string& source = sourceOf(run);
-    const std::string name = nameOf(source);
-    const bool exists = stampOf(source).exists;
-    const std::string fault = readCheckpoint(source, checkpoints.from);
-    const std::string other = fault.empty() ? "" : otherWays(checkpoints, run.options.checkpoints.older);
-    if (!fault.empty() && !exists) {
-        complain(run, "There is no checkpoint " + name + " in " + folderOf(source)
-                          + ".\n--checkpoint-every writes one; "
-                          + "the run that goes on needs the geometry, -o and --name of the run before.\n" + other);
-        return exitFileFault;
-    }
-    if (!fault.empty()) {
-        complain(run, "The checkpoint " + name + " can't be taken: " + fault + ".\n" + other);
-        return exitFileFault;
-    }
-    if (checkpoints.from.table != tableFingerprint(simOf(run))) {
-        complain(run, "The checkpoint " + name
-                          + " is of another drawing, or of other changes by --set.\n"
-                            "Go on with the drawing as it was then, or start the run afresh, without --resume.");
-        return exitFileFault;
-    }
-    return exitDone;
-}
-
-/// The files of a run would be of two kinds.
-bool fitsSettings(ConsoleRun& run) {
-    const std::vector<NamedText> settings = settingsOf(run);
-    const NamedText* const missing = settingBeyond(run.checkpoints.from.settings, settings);
-    const NamedText* const added = settingBeyond(settings, run.checkpoints.from.settings);
-    if (missing != nullptr)
-        complain(run,
-                 "The run was started with " + settingText(*missing) + "; a run that goes on needs the same options.");
-    else if (added != nullptr)
-        complain(run,
-                 "The run was started without " + settingText(*added) + "; a run that goes on needs the same options.");
-    return missing == nullptr && added == nullptr;
-}
-
-const NamedText* positionOf(const Checkpoint& checkpoint, const std::string& name) {
-    for (const NamedText& position : checkpoint.positions)
-        if (position.name == name) return &position;
-    return nullptr;
-}
-
-/// A log that is shorter is no reason to lose the run.
-void cutLog(ConsoleRun& run) {
-    const SimState& sim = simOf(run);
-    const NamedText* const position = positionOf(run.checkpoints.from, logPosition);
-    if (sim.logEvery <= 0 || position == nullptr) return;
-    const std::uint64_t length = std::strtoull(position->text.c_str(), nullptr, 10);
-    if (length == 0 && !stampOf(logPath(sim)).exists) return;
-    const FileResult cut = cutFile(logPath(sim), length);
-    if (!cut)
-        complain(run, nameOf(logPath(sim)) + " is not as the run left it: " + cut.reason
-                          + ".\nThe run goes on, and its lines come after what is there.");
-}
-
-bool goOnWithExtras(ConsoleRun& run) {
-    const RunContext context = contextOf(run);
-    for (const RunExtra& extra : run.extras) {
-        const NamedText* const position = positionOf(run.checkpoints.from, extra.name);
-        std::string fault;
-        if (extra.goOn && position != nullptr)
-            fault = extra.goOn(context, position->text);
-        else if (extra.begin)
-            extra.begin(context);
-        if (fault.empty()) continue;
-        complain(run, extra.name + " can't go on: " + fault);
-        return false;
-    }
-    return true;
-}
-
-/// Why what was built is not the model of the checkpoint; empty: it is.
-std::string faultOfModel(const SimState& sim, const Checkpoint& from) {
-    if (radiationFingerprint(sim) != from.radiation)
-        return "the view factors " + sim.baseName + "_rad are not those of the run. Put them back";
-    if (modelFingerprint(sim) != from.model)
-        return "this program makes other numbers of the same drawing. Go on with the one that wrote it, "
-               + from.program;
-    return {};
-}
-
-Restored restore(ConsoleRun& run, SimState& sim) {
-    const Checkpoint& from = run.checkpoints.from;
-    const auto refuse = [&](const std::string& fault) {
-        complain(run, "The checkpoint " + nameOf(sourceOf(run)) + " can't be taken: " + fault + ".");
-        return Restored::failed;
-    };
-    const std::string otherModel = faultOfModel(sim, from);
-    if (!otherModel.empty()) return refuse(otherModel);
-    const std::string fault = readCheckpointFields(sourceOf(run), sim);
-    if (!fault.empty()) return refuse(fault + ". " + otherWays(run.checkpoints, run.options.checkpoints.older));
-    const double time = run.options.time;
-    if (time > 0 && from.firstStep + std::ceil(time / double(sim.dt) - 1e-6) < from.step + (from.afterOutputs ? 1 : 0))
-        return refuse("--time counts from the start of the run, and that is already at step "
-                      + std::to_string(from.step));
-    sim.stepCount = from.step;
-    sim.stopStep = from.stopStep;
-    sim.spectrumRandom.state = from.random;
-    sim.revision += 1;
-    run.startStep = from.firstStep;
-    cutLog(run);
-    findFrames(run.frames, run.options.frameEvery, from.firstStep, from.step + (from.afterOutputs ? 1 : 0));
-    if (!goOnWithExtras(run)) return Restored::failed;
-    return from.afterOutputs ? Restored::afterOutputs : Restored::beforeOutputs;
-}
-
 } // namespace
 
+SimState& simOf(ConsoleRun& run) { return run.console.program.sim; }
+
+void complain(ConsoleRun& run, std::string_view text) {
+    const RunContext context = contextOf(run);
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        context.complain(std::string(line));
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+    }
+}
+
+std::string logPath(const SimState& sim) { return joinPath(sim.inputDir, sim.baseName + "_log"); }
+
+std::vector<NamedText> settingsOf(const ConsoleRun& run) {
+    const RunOptions& options = run.options;
+    std::vector<NamedText> settings;
+    if (options.plotEvery > 0) settings.push_back({"--plot-every", std::to_string(options.plotEvery)});
+    if (options.frameEvery > 0) settings.push_back({"--snapshots", std::to_string(options.frameEvery)});
+    if (options.compensated) settings.push_back({"--compensated", ""});
+    if (options.radiation) settings.push_back({"--radiation", ""});
+    for (const RunExtra& extra : run.extras)
+        if (extra.name != checkpointExtra)
+            settings.push_back({extra.name, extra.steps > 0 ? "every " + std::to_string(extra.steps) + " steps" : ""});
+    return settings;
+}
+
 void addCheckpointOptions(CLI::App* run, CheckpointOptions& options) {
-    run->add_option(extraName, options.every,
+    run->add_option(checkpointExtra, options.every,
                     "keep all that an exact continuation needs in m_checkpoint.nc, every N steps or 30s, 5min, 2h; "
                     "also at the end, after Ctrl-C, and at SIGUSR1")
         ->type_name("N|TIME")
@@ -354,7 +218,7 @@ bool takeCheckpointOptions(ConsoleRun& run) {
     run.goesOn = run.goesOn || checkpoints.isResumed;
     if (!options.every.empty()) catchCheckpointSignal();
     RunExtra extra;
-    extra.name = extraName;
+    extra.name = checkpointExtra;
     extra.endings = {"_checkpoint.nc", "_checkpoint_old.nc"};
     extra.finish = [&run](const RunContext&) { return finishCheckpoints(run); };
     extra.files = [&run] {
@@ -383,15 +247,7 @@ ExitStatus connectCheckpoints(ConsoleRun& run) {
                                                                .write = [&run](SimState&) { beforeOutputs(run); }});
     if (writes || checkpoints.isResumed) removeFile(checkpoints.fresh); // of a run that was killed
     checkpoints.removesOlder = !checkpoints.isResumed;
-    if (!checkpoints.isResumed) return exitDone;
-    const ExitStatus read = readSource(run);
-    if (read != exitDone) return read;
-    if (!fitsSettings(run)) return exitBadUse;
-    checkpoints.keepsOlder = !run.options.checkpoints.older;
-    checkpoints.latest = checkpoints.from.step;
-    sim.runMode = modeModelStands; // the log of the run goes on
-    operations.restore = [&run](SimState& model) { return restore(run, model); };
-    return exitDone;
+    return checkpoints.isResumed ? connectResume(run) : exitDone;
 }
 
 } // namespace norvane

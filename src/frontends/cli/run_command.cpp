@@ -34,8 +34,7 @@ void beginRun(ConsoleRun& run) {
     if (!run.checkpoints.isResumed) run.startStep = sim.stepCount;
     if (run.options.plotEvery > 0) sim.updateEvery = run.options.plotEvery;
     if (run.options.frameEvery > 0) sim.frameEvery = run.options.frameEvery;
-    if (run.options.time > 0 && sim.dt > 0)
-        sim.stopStep = toInt32(run.startStep + std::ceil(run.options.time / double(sim.dt) - 1e-6));
+    takeTime(run);
     run.progress.begin(sim);
     const std::int64_t steps = std::int64_t{sim.stopStep} - sim.stepCount;
     const std::string size = " of " + generalText(sim.dt) + " s";
@@ -179,6 +178,12 @@ void connectExtras(ConsoleRun& run) {
 }
 
 } // namespace
+
+void takeTime(ConsoleRun& run) {
+    SimState& sim = run.console.program.sim;
+    if (run.options.time > 0 && sim.dt > 0)
+        sim.stopStep = toInt32(run.startStep + std::ceil(run.options.time / double(sim.dt) - 1e-6));
+}
 
 int runGeometry(const RunOptions& options) {
     ConsoleRun run(options);

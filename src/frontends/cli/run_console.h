@@ -43,6 +43,9 @@ void say(ConsoleRun& run, const std::string& line);
 
 RunContext contextOf(ConsoleRun& run);
 
+/// --time: it sets the stop step, from the start of the run on.
+void takeTime(ConsoleRun& run);
+
 /// Ends a run in order, and gives the status that says how it went.
 int finish(ConsoleRun& run);
 

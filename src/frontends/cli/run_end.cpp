@@ -41,6 +41,7 @@ bool saveAtEnd(ConsoleRun& run) {
 bool makeMovieAtEnd(ConsoleRun& run) {
     const std::string fault = makeMovie(run.frames, run.options.movie);
     if (fault.empty()) {
+        run.frames.film = run.options.movie;
         say(run, "The film " + run.options.movie + " has " + std::to_string(run.frames.paths.size()) + " pictures.");
         return true;
     }
@@ -112,7 +113,9 @@ std::vector<std::string> writtenFiles(const ConsoleRun& run) {
     const std::int32_t steps = sim.stepCount - run.startStep;
     add(sim.baseName + "_state", run.options.save || (sim.saveEvery > 0 && steps >= sim.saveEvery));
     for (const auto& [path, count] : run.bitmaps) files.push_back(nameOf(path));
-    if (!run.frames.paths.empty())
+    if (!run.frames.film.empty())
+        files.push_back(nameOf(run.frames.film));
+    else if (!run.frames.paths.empty())
         files.push_back(std::to_string(run.frames.paths.size()) + " pictures " + nameOf(run.frames.prefix) + "*.png");
     for (const RunExtra& extra : run.extras)
         if (extra.files)

@@ -59,7 +59,9 @@ struct RunExtra {
     std::function<std::vector<NamedValue>()> lastRow; ///< of what it measures over time
 
     /// Where its files stand, as a text without line ends, for a checkpoint; and back to there in a run that resumes,
-    /// instead of `begin`. What was written later is cut off. Gives what is wrong; empty: nothing.
+    /// instead of `begin`. What was written later is cut off. Gives what is wrong; empty: nothing. A checkpoint is
+    /// taken after the stages of a step and before its `write`, which a run that resumes begins with: what was measured
+    /// since the latest row, in these stages too, belongs to the text.
     std::function<std::string()> position;
     std::function<std::string(const RunContext& run, const std::string& position)> goOn;
 };

@@ -1,7 +1,9 @@
 // The options of "norvane run".
 
 #include "core/sim_state.h"
+#include "frontends/cli/balance_options.h"
 #include "frontends/cli/command_options.h"
+#include "frontends/cli/frame_options.h"
 #include "frontends/cli/probe_options.h"
 #include "frontends/cli/run_command.h"
 #include "frontends/cli/steady_options.h"
@@ -25,8 +27,9 @@ constexpr const char* runStatusHelp =
 constexpr const char* runHelp =
     "Load a geometry and run it to its end.\n\n"
     "The results lie beside the geometry m.gmt: m_out, the table of the latest plot, m_log, a line for each logged\n"
-    "step (key LT), m_state with --save or key ST, pictures with --snapshots or key FT, m_probes.csv with --probe or\n"
-    "a file m.probes.\n\n"
+    "step (key LT), m_state with --save or key ST, pictures with --snapshots or key FT, m_frames.nc with --frames,\n"
+    "m_probes.csv with --probe or a file m.probes, m_balance.csv with --balance, m_checkpoint.nc with\n"
+    "--checkpoint-every.\n\n"
     "A word @FILE stands for the options in that file, one on a line with its value: --probe C7:T,p. Lines that begin\n"
     "with # are left out.";
 
@@ -79,7 +82,9 @@ Command addRun(CLI::App& app) {
                     "a name for a range of cells, such as radiator=B2:B18; may be repeated")
         ->type_name("NAME=RANGE");
     addCheckpointOptions(run, options.checkpoints);
+    options.extras.push_back(addFrameOptions(run));
     options.extras.push_back(addProbeOptions(run));
+    options.extras.push_back(addBalanceOptions(run));
     options.extras.push_back(addSteadyOptions(run)); // the last one: it looks at what the others have measured
     run->footer(runStatusHelp);
     return {run, [kept] { return runGeometry(*kept); }};

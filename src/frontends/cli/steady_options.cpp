@@ -6,8 +6,10 @@
 #include "core/number_text.h"
 #include "frontends/cli/command_options.h"
 #include "frontends/cli/json_text.h"
+#include "frontends/cli/option_text.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -25,6 +27,7 @@ struct SteadyOptions {
 struct Source {
     const RunExtra* extra;
     std::optional<SteadyRows> rows{};
+    std::string saved{}; ///< rows of the run that this one resumes; taken when the next one names the values
 };
 
 struct Steady {
@@ -57,18 +60,25 @@ double spanOf(const Steady& steady) {
     return span;
 }
 
+/// Gives the latest values; with the first of them the rows can begin, which the values name.
+std::vector<double> valuesOf(Source& source, double keptTime) {
+    std::vector<std::string> names;
+    std::vector<double> values;
+    for (const NamedValue& each : source.extra->lastRow()) {
+        names.push_back(each.name);
+        values.push_back(each.value);
+    }
+    if (source.rows || values.empty()) return values;
+    source.rows.emplace(names, keptTime);
+    source.rows->take(source.saved);
+    return values;
+}
+
 void addRows(Steady& steady, const SimState& sim) {
     for (Source& source : steady.sources) {
         if (sim.stepCount % source.extra->steps != 0) continue; // its latest row has been taken
-        std::vector<std::string> names;
-        std::vector<double> values;
-        for (const NamedValue& each : source.extra->lastRow()) {
-            names.push_back(each.name);
-            values.push_back(each.value);
-        }
-        if (values.empty()) continue;
-        if (!source.rows) source.rows.emplace(names, steady.options.window);
-        source.rows->add(double(sim.dt) * sim.stepCount, values);
+        const std::vector<double> values = valuesOf(source, steady.options.window);
+        if (!values.empty()) source.rows->add(double(sim.dt) * sim.stepCount, values);
     }
 }
 
@@ -105,15 +115,15 @@ void look(Steady& steady, SimState& sim) {
     }
     steady.isReached = true;
     steady.window = window;
-    steady.trends = trendsOf(steady, window);
     const std::int32_t next =
         sim.stepCount < std::numeric_limits<std::int32_t>::max() ? sim.stepCount + 1 : sim.stepCount;
     if (!sim.stopFlag) sim.stopStep = next;
 }
 
 bool finish(Steady& steady, const SimState& sim) {
-    if (steady.isReached) return true;
-    steady.window = steady.options.window > 0 ? steady.options.window : std::max(spanOf(steady) / 2, crossingTime(sim));
+    for (Source& source : steady.sources) valuesOf(source, steady.options.window);
+    const double usual = std::max(spanOf(steady) / 2, crossingTime(sim));
+    if (!steady.isReached) steady.window = steady.options.window > 0 ? steady.options.window : usual;
     steady.trends = trendsOf(steady, steady.window);
     return true;
 }
@@ -134,7 +144,8 @@ std::vector<std::string> report(const Steady& steady) {
                 + " or do not reach back over the window of " + window + " (--window sets another)"};
     if (steady.isReached)
         return {"Steady: over " + window + ", " + trendText(steady.trends.front()) + ", the others by less"};
-    std::vector<std::string> lines{"Steady: no, over the last " + window + " by more than " + tolerance + ":"};
+    std::vector<std::string> lines{"Steady: no; over the last " + window + " moved by more than " + tolerance
+                                   + " of the mean:"};
     std::size_t restless = 0;
     for (const SteadyTrend& trend : steady.trends) {
         if (trend.isSteady(steady.options.tolerance)) continue;
@@ -167,6 +178,26 @@ std::string prepare(Steady& steady, const RunContext& run) {
     return steady.sources.empty() ? "there is nothing to watch; add --probe C7:T,p or --balance N" : "";
 }
 
+/// "WINDOW;ROWS;ROWS...", with the rows of each source; the window is 0 until it is steady.
+std::string positionOf(const Steady& steady) {
+    char window[40] = {};
+    std::to_chars(window, window + sizeof window - 1, steady.isReached ? steady.window : 0, std::chars_format::hex);
+    std::string position = window;
+    for (const Source& source : steady.sources) position += ";" + (source.rows ? source.rows->text() : source.saved);
+    return position;
+}
+
+std::string goOn(Steady& steady, const std::string& position) {
+    const std::vector<std::string> fields = parts(position, ';');
+    const char* const end = fields.front().data() + fields.front().size();
+    const auto read = std::from_chars(fields.front().data(), end, steady.window, std::chars_format::hex);
+    if (read.ec != std::errc() || read.ptr != end || fields.size() != steady.sources.size() + 1)
+        return "its rows are not those of this run";
+    steady.isReached = steady.window > 0;
+    for (std::size_t k = 0; k < steady.sources.size(); ++k) steady.sources[k].saved = fields[k + 1];
+    return {};
+}
+
 RunExtra extraOf(const std::shared_ptr<Steady>& steady) {
     RunExtra extra;
     extra.name = "--until-steady";
@@ -178,6 +209,8 @@ RunExtra extraOf(const std::shared_ptr<Steady>& steady) {
     extra.report = [steady] { return report(*steady); };
     extra.summary = [steady] { return summary(*steady); };
     extra.endedBy = [steady] { return endedBy(*steady); };
+    extra.position = [steady] { return positionOf(*steady); };
+    extra.goOn = [steady](const RunContext&, const std::string& position) { return goOn(*steady, position); };
     return extra;
 }
 

@@ -66,6 +66,7 @@ CommandForm::CommandForm(Program& program, Act act)
     setAcceptDrops(true);
     addCheck();
     addThreads();
+    addCompensated();
 }
 
 void CommandForm::addLists() {
@@ -102,6 +103,14 @@ void CommandForm::addThreads() {
     });
 }
 
+/// Nor is this: it changes results, and so is off at each start of the program.
+void CommandForm::addCompensated() {
+    compensated_ = new QAction("Co&mpensate rounding in the next run", this);
+    compensated_->setObjectName("compensated");
+    compensated_->setCheckable(true);
+    connect(compensated_, &QAction::toggled, this, [this](bool on) { program_.sim.compensated = on; });
+}
+
 /// Neither is the check, which looks at the file as it is now, loaded or not.
 void CommandForm::addCheck() {
     check_ = new QAction("Check the &geometry", this);
@@ -124,6 +133,7 @@ void CommandForm::contextMenuEvent(QContextMenuEvent* event) {
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->addAction(threads_);
+    menu->addAction(compensated_);
     menu->addAction(check_);
     menu->popup(event->globalPos()); // without waiting: a run goes on meanwhile
 }

@@ -30,6 +30,7 @@ protected:
 private:
     void addLists();
     void addThreads();
+    void addCompensated();
     void addCheck();
     void refreshLists();
 
@@ -40,6 +41,7 @@ private:
     QFileSystemWatcher watcher_;
     QAction* check_ = nullptr;
     QAction* threads_ = nullptr;
+    QAction* compensated_ = nullptr;
     QTimer changed_; ///< runs while the folder is known to have changed
     double factor_ = 1;
 };
