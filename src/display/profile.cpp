@@ -20,7 +20,7 @@ double upperEdge(const SimState& sim, std::int32_t cell, int dim) {
 }
 
 bool isOnFace(const ShownQuantity& shown, int dim) {
-    return (shown.quantity == showVelocity || shown.quantity == showStdVelocity) && shown.component == dim;
+    return shown.quantity.location == Location::upperFace && shown.quantity.dimension == dim;
 }
 
 ChartLine profileLine(const SimState& sim, const CellLine& line, const ShownQuantity& shown) {
@@ -28,14 +28,12 @@ ChartLine profileLine(const SimState& sim, const CellLine& line, const ShownQuan
     result.name = line.name;
     result.marked = line.cells.size() <= mostMarks;
     const bool onFace = isOnFace(shown, line.dim);
-    const int component = correctedComponent(sim, shown.quantity, shown.component);
     for (const std::int32_t cell : line.cells) {
         const double low = lowerEdge(sim, cell, line.dim);
         const double high = upperEdge(sim, cell, line.dim);
-        const bool hasMeaning = onFace || holdsInWalls(shown.quantity) || !isWall(sim, cell);
+        const bool hasMeaning = onFace || shown.inWalls || !isWall(sim, cell);
         result.x.push_back(onFace ? high : (low + high) / 2);
-        result.y.push_back(hasMeaning ? double(cellValue(sim, shown.quantity, component, cell))
-                                      : std::numeric_limits<double>::quiet_NaN());
+        result.y.push_back(hasMeaning ? double(shown.of(sim, cell)) : std::numeric_limits<double>::quiet_NaN());
     }
     return result;
 }
@@ -86,16 +84,16 @@ profileChart(const SimState& sim, std::span<const CellLine> lines, std::span<con
     LineChart chart;
     if (lines.empty()) return chart;
     chart.title = sim.graphTitle;
-    chart.subtitle = (lines.size() == 1 ? lines.front().name + ", " : "") + momentText(sim);
+    chart.subtitle =
+        (lines.size() == 1 && !lines.front().name.empty() ? lines.front().name + ", " : "") + momentText(sim);
     chart.across = axisLetter(lines.front().dim);
     chart.acrossUnit = "m";
     chart.extent = extentOf(sim, lines);
     if (lines.size() == 1) chart.shaded = wallsOf(sim, lines.front());
     for (const ShownQuantity& shown : quantities) {
-        if (!hasValue(shown.quantity)) continue;
         ChartPanel panel;
-        panel.name = shownName(shown);
-        panel.unit = shownUnit(shown);
+        panel.name = shown.label;
+        panel.unit = shown.unit;
         for (const CellLine& line : lines) panel.lines.push_back(profileLine(sim, line, shown));
         chart.panels.push_back(std::move(panel));
     }

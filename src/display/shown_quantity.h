@@ -1,35 +1,38 @@
 #pragma once
-// Quantities as a person names them for a figure or a chart.
+// Quantities as a figure or a chart shows them.
 
-#include "core/quantities.h"
+#include "core/quantity_names.h"
 
 #include <cstdint>
-#include <optional>
 #include <string>
 
 namespace norvane {
 
-/// A quantity with the component that is shown of it.
 struct ShownQuantity {
-    int quantity = showTemperature;
-    int component = 0;
+    NamedQuantity quantity;
+    std::string label;     ///< "Velocity x"
+    std::string unit;      ///< as it is printed: "kg/m\u00b3"
+    bool inWalls = false;  ///< means something in a wall: a temperature and a size do, a pressure doesn't
+    bool isArrows = false; ///< `quantity` is the speed, and arrows show the direction
+
+    float of(const SimState& sim, std::int32_t cell) const { return quantity.of(sim, cell); }
 };
 
-/// The quantity of a name, in either case: its name in the catalogue, its number there, or a symbol: T, p, rho, u, v, w
-/// (velocity along dimensions 1, 2, 3), speed, and c0, c1... (mass fractions). `component` is that of a name without
-/// one of its own. None where no quantity has this name, or the grid has no such dimension or species.
-std::optional<ShownQuantity> quantityNamed(const SimState& sim, const std::string& name, int component);
+/// A quantity of the catalogue with the component nearest to the one given.
+ShownQuantity shownOf(const SimState& sim, int quantity, int component);
 
-/// "Velocity x"; how a figure calls it.
-std::string shownName(const ShownQuantity& shown);
+/// The quantity of a name or a number of the catalogue, with the component nearest to the one given, or of a short name
+/// such as T (in K), p, u, v, speed, c0. Gives what is wrong; empty: nothing.
+std::string chooseShown(const SimState& sim, const std::string& name, int component, ShownQuantity& shown);
 
-std::string shownUnit(const ShownQuantity& shown);
+/// Whether a choice of components applies to a quantity of the catalogue.
+bool hasComponents(int quantity);
+
+/// The number of a quantity in the catalogue that is named so; 0: none.
+int catalogueNumber(const std::string& name);
 
 /// "x", "y", "z", or "d4" and so on.
 std::string axisLetter(int dim);
-
-/// Whether a wall has a value that means something: its temperature and its size do, a pressure doesn't.
-bool holdsInWalls(int quantity);
 
 /// "step 2000, t = 0.02 s".
 std::string momentText(const SimState& sim);

@@ -64,7 +64,7 @@ Ticks linearTicks(Range range, int most) {
     if (!isRange(range)) return ticks;
     const double span = range.high - range.low;
     RoundStep step = roundStep(span / std::max(most, 2));
-    const double slack = 1e-9 * span; // an end that is a tick but for rounding counts
+    const double slack = 1e-6 * span; // an end that is a tick but for the rounding of singles counts
     const auto first = [&] { return std::ceil((range.low - slack) / step.value()); };
     const auto last = [&] { return std::floor((range.high + slack) / step.value()); };
     while (last() - first() + 1 > most) step = roundStep(step.value() * 1.01);
@@ -84,7 +84,7 @@ Ticks logTicks(Range range, int most) {
     if (!isRange(range) || !(range.low > 0)) return ticks;
     const int low = static_cast<int>(std::ceil(std::log10(range.low) - 1e-9));
     const int high = static_cast<int>(std::floor(std::log10(range.high) + 1e-9));
-    if (high < low) return linearTicks(range, most);
+    if (range.high < 10 * range.low) return linearTicks(range, most); // powers of ten would be too few
     const int decades = high - low + 1;
     const int every = (decades + most - 1) / std::max(most, 1);
     const bool hasRoom = decades * 3 <= most;

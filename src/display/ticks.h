@@ -22,7 +22,7 @@ struct Ticks {
 /// ascending finite numbers. Numbers from 0.01 to below a million are written as they are.
 Ticks linearTicks(Range range, int most);
 
-/// Powers of ten, with 2 and 5 times them where they are few; as linearTicks where the range holds no power of ten.
+/// Powers of ten, with 2 and 5 times them where they are few; as linearTicks where the range is below a factor of ten.
 /// None where the ends are not above 0.
 Ticks logTicks(Range range, int most);
 

@@ -183,21 +183,6 @@ void connectPicture(Canvas& canvas, const std::shared_ptr<Picture>& picture) {
     canvas.unclip = [picture] { cairo_reset_clip(picture->context.get()); };
 }
 
-/// Lengths without the grid of any pixels, so that a figure is laid out alike on all kinds of files.
-void connectTextWidth(Canvas& canvas) {
-    const std::shared_ptr<cairo_surface_t> target(cairo_image_surface_create(CAIRO_FORMAT_RGB24, 1, 1),
-                                                  cairo_surface_destroy);
-    const std::shared_ptr<cairo_t> context(cairo_create(target.get()), cairo_destroy);
-    cairo_font_options_t* const options = cairo_font_options_create();
-    cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
-    cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
-    cairo_set_font_options(context.get(), options);
-    cairo_font_options_destroy(options);
-    canvas.textWidth = [target, context](const std::string& text, const Lettering& lettering) {
-        return lengthOf(context.get(), text, lettering);
-    };
-}
-
 std::string rasterBytes(const PixelRaster& raster) {
     Picture picture;
     if (!isWhole(raster)) return {};
@@ -211,6 +196,21 @@ FileResult writeBytes(const std::string& path, const std::string& bytes) {
 }
 
 } // namespace
+
+void connectTextWidth(Canvas& canvas) {
+    // Without the grid of any pixels, so that a figure is laid out alike on all kinds of files.
+    const std::shared_ptr<cairo_surface_t> target(cairo_image_surface_create(CAIRO_FORMAT_RGB24, 1, 1),
+                                                  cairo_surface_destroy);
+    const std::shared_ptr<cairo_t> context(cairo_create(target.get()), cairo_destroy);
+    cairo_font_options_t* const options = cairo_font_options_create();
+    cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
+    cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
+    cairo_set_font_options(context.get(), options);
+    cairo_font_options_destroy(options);
+    canvas.textWidth = [target, context](const std::string& text, const Lettering& lettering) {
+        return lengthOf(context.get(), text, lettering);
+    };
+}
 
 FigureFile connectFigure(Canvas& canvas, PictureFormat format) {
     FigureFile figure;

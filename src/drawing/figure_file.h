@@ -18,6 +18,9 @@ struct FigureFile {
     std::function<std::string()> svgText; ///< what was drawn, as a whole SVG file
 };
 
+/// Connects the lengths of texts, by which a figure is laid out, before its size is known.
+void connectTextWidth(Canvas& canvas);
+
 /// Connects the operations of a canvas with a white picture of its size, at most largestPicture pixels each way, which
 /// they keep alive. Lengths of text are those of the font DejaVu Sans, in which Cairo draws; an SVG file names the font
 /// and holds its texts as such, to be searched and edited.

@@ -49,6 +49,20 @@ std::string lastBytes(std::FILE* file, std::int64_t length) {
     return isRead && got == text.size() ? text : std::string();
 }
 
+/// `path` gets a second name, which takes the place of `older`.
+FileResult keepOlder(const std::string& path, const std::string& older) {
+    std::error_code failed;
+    const std::string beside = older + ".link";
+    fs::remove(beside, failed);
+    fs::create_hard_link(path, beside, failed);
+    if (failed) return renameFile(path, older); // a file system without them
+    FileResult renamed = renameFile(beside, older);
+    fs::remove(beside, failed); // two names of one file: a rename does nothing
+    return renamed;
+}
+
+} // namespace
+
 FileResult flushFolder(const std::string& folder) {
 #ifdef _WIN32
     static_cast<void>(folder);
@@ -63,20 +77,6 @@ FileResult flushFolder(const std::string& folder) {
 #endif
     return {};
 }
-
-/// `path` gets a second name, which takes the place of `older`.
-FileResult keepOlder(const std::string& path, const std::string& older) {
-    std::error_code failed;
-    const std::string beside = older + ".link";
-    fs::remove(beside, failed);
-    fs::create_hard_link(path, beside, failed);
-    if (failed) return renameFile(path, older); // a file system without them
-    FileResult renamed = renameFile(beside, older);
-    fs::remove(beside, failed); // two names of one file: a rename does nothing
-    return renamed;
-}
-
-} // namespace
 
 FileResult writeSealed(const std::string& path, std::string_view content) {
     FileResult result;

@@ -16,6 +16,9 @@ FileResult writeSealed(const std::string& path, std::string_view content);
 /// Reads a file and compares its seal. On failure `whole` is false.
 FileResult checkSeal(const std::string& path, bool& whole);
 
+/// Waits until the names in a folder are on the disc.
+FileResult flushFolder(const std::string& folder);
+
 /// Gives a flushed file the name `path` in the same folder. The file of that name becomes `older`, in place of an
 /// earlier one, unless that is empty; at any moment `path` or, on file systems without hard links, `older` is whole.
 /// The folder is flushed.

@@ -171,7 +171,9 @@ TEST(commandLine, namesTheOptionAndWhatItMayBe) {
         EXPECT_EQ(outcome.status, 2) << option;
         return outcome.out;
     };
-    EXPECT_THAT(faultOf("--quantity heat"), HasSubstr("--quantity: \"heat\" is not one of Temperature, Velocity"));
+    EXPECT_THAT(faultOf("--style classic --quantity heat"),
+                HasSubstr("--quantity: \"heat\" is not one of Temperature"));
+    EXPECT_THAT(faultOf("--quantity heat"), HasSubstr("--quantity: \"heat\" is no quantity of this geometry"));
     EXPECT_THAT(faultOf("--quantity velocity --component z"), HasSubstr("one of total, x, y, or a dimension, 1 to 2"));
     EXPECT_THAT(faultOf("--slice 1=3"), HasSubstr("--slice"));
     EXPECT_THAT(faultOf("--columns 2 --rows 2"), HasSubstr("another dimension than that of --columns"));

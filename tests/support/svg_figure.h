@@ -22,6 +22,12 @@ struct SvgPath {
     std::string color;
 };
 
+struct SvgBox {
+    Point low;
+    Point high;
+    std::string color;
+};
+
 /// Places of labels and their values; places between follow a straight line.
 struct SvgAxis {
     std::vector<double> places;
@@ -30,6 +36,11 @@ struct SvgAxis {
     double valueAt(double place) const {
         const double share = (place - places.front()) / (places.back() - places.front());
         return values.front() + share * (values.back() - values.front());
+    }
+
+    double placeOf(double value) const {
+        const double share = (value - values.front()) / (values.back() - values.front());
+        return places.front() + share * (places.back() - places.front());
     }
 };
 
@@ -40,11 +51,21 @@ public:
             const std::string line = file.substr(at + 1, file.find('\n', at + 1) - at - 1);
             if (line.rfind("<text", 0) == 0) texts.push_back(textOf(line));
             if (line.rfind("<path", 0) == 0) paths.push_back(pathOf(line));
+            if (line.rfind("<rect", 0) == 0) boxes.push_back(boxOf(line));
         }
     }
 
     std::vector<SvgText> texts;
     std::vector<SvgPath> paths;
+    std::vector<SvgBox> boxes;
+
+    /// The colour of the last box over a point.
+    std::string colorAt(Point at) const {
+        std::string color;
+        for (const SvgBox& box : boxes)
+            if (at.x > box.low.x && at.x < box.high.x && at.y > box.low.y && at.y < box.high.y) color = box.color;
+        return color;
+    }
 
     bool shows(const std::string& text) const {
         return std::any_of(texts.begin(), texts.end(), [&](const SvgText& each) { return each.text == text; });
@@ -109,6 +130,11 @@ private:
             for (std::size_t at = text.find(entity); at != std::string::npos; at = text.find(entity, at + 1))
                 text.replace(at, std::string(entity).size(), letter);
         return {{number(line, "x"), number(line, "y")}, attribute(line, "text-anchor"), text};
+    }
+
+    static SvgBox boxOf(const std::string& line) {
+        const Point low{number(line, "x"), number(line, "y")};
+        return {low, {low.x + number(line, "width"), low.y + number(line, "height")}, attribute(line, "fill")};
     }
 
     static SvgPath pathOf(const std::string& line) {

@@ -2,6 +2,7 @@
 
 #include "frontends/cli/balance_options.h"
 
+#include "core/remainders.h"
 #include "exchange/balance_file.h"
 #include "exchange/row_file.h"
 #include "frontends/cli/json_text.h"
@@ -27,10 +28,8 @@ struct Balances {
     std::vector<LostChange> lost{};  ///< [quantities] over all steps that were measured
     std::int64_t measured = 0;       ///< steps
     const SimState* sim = nullptr;
-    std::int32_t pendingStep = 0; ///< at which the run goes on, before its outputs
-    std::string pendingRow{};     ///< of that step
-    bool adds = true;             ///< rows to the file
-    bool whole = true;            ///< all rows are in it
+    bool adds = true;  ///< rows to the file
+    bool whole = true; ///< all rows are in it
 };
 
 std::string prepare(Balances& balances, const RunContext& run) {
@@ -112,23 +111,13 @@ void look(Balances& balances, const SimState& sim, int stage) {
     }
 }
 
-/// The row of the step in hand; empty: it was not measured. That of the step that a run goes on from was measured
-/// before.
-std::string rowOf(const Balances& balances) {
-    const std::int32_t step = balances.sim->stepCount;
-    if (!balances.plan) return {};
-    if (balances.balance.step == step) return balanceRow(*balances.sim, *balances.plan, balances.balance);
-    return balances.pendingStep == step ? balances.pendingRow : "";
-}
-
 void addLatest(Balances& balances, const RunContext& run) {
-    const std::string row = balances.plan ? rowOf(balances) : "";
-    if (!balances.adds || row.empty()) return;
+    if (!balances.plan || !balances.adds || balances.balance.step != run.sim.stepCount) return;
     if (balances.file.length == 0) { // it could not be begun
         const FileResult begun = beginRows(balances.file);
         if (!begun) return tell(balances, run, begun.reason);
     }
-    const FileResult written = addRow(balances.file, row);
+    const FileResult written = addRow(balances.file, balanceRow(run.sim, *balances.plan, balances.balance));
     if (!written) tell(balances, run, written.reason);
 }
 
@@ -138,7 +127,7 @@ std::vector<std::string> report(const Balances& balances) {
     for (const std::string& line : balanceLines(*balances.sim, *balances.plan, balances.balance))
         lines.push_back("  " + line);
     for (const std::string& line :
-         lostChangeLines(*balances.sim, *balances.plan, balances.lost, balances.measured, false))
+         lostChangeLines(*balances.sim, *balances.plan, balances.lost, balances.measured, hasRemainders(*balances.sim)))
         lines.push_back("  " + line);
     return lines;
 }
@@ -159,17 +148,28 @@ std::vector<NamedValue> lastRow(const Balances& balances) {
     return row;
 }
 
-/// "LENGTH MEASURED" and four numbers for each quantity, to the bit; behind a semicolon the row that is still to come.
+/// Calls `take` for all numbers that a run which goes on needs to end as one that was never stopped. The latest balance
+/// is among them, since a checkpoint is taken between the stages of a step and its outputs.
+template <class Kept, class Take>
+void forNumbers(Kept& balances, const Take& take) {
+    for (auto& q : balances.lost)
+        for (auto* const value : {&q.moved, &q.lost, &q.kept, &q.lostCells}) take(*value);
+    take(balances.balance.dt);
+    for (auto& flow : balances.balance.flows) take(flow);
+    for (auto& q : balances.balance.quantities)
+        for (auto* const value : {&q.content, &q.change, &q.moved, &q.lost, &q.kept, &q.lostCells}) take(*value);
+}
+
+/// "LENGTH MEASURED STEP" and the numbers, to the bit. Of step 0 there is no balance.
 std::string position(const Balances& balances) {
-    std::string text = std::to_string(balances.file.length) + " " + std::to_string(balances.measured);
-    for (const LostChange& q : balances.lost)
-        for (const double value : {q.moved, q.lost, q.kept, q.lostCells}) {
-            char digits[32];
-            const auto end = std::to_chars(digits, digits + sizeof digits, value);
-            text.append(1, ' ').append(digits, end.ptr);
-        }
-    const std::string row = rowOf(balances);
-    return text + ";" + row.substr(0, row.find('\r'));
+    std::string text = std::to_string(balances.file.length) + " " + std::to_string(balances.measured) + " "
+                       + std::to_string(balances.balance.step);
+    forNumbers(balances, [&](double value) {
+        char digits[32];
+        const auto end = std::to_chars(digits, digits + sizeof digits, value);
+        text.append(1, ' ').append(digits, end.ptr);
+    });
+    return text;
 }
 
 template <class Number>
@@ -180,18 +180,22 @@ bool takeNumber(std::string_view& text, Number& number) {
     return read.ec == std::errc();
 }
 
+bool takePosition(Balances& balances, std::string_view text, std::int64_t& length) {
+    bool isRead =
+        takeNumber(text, length) && takeNumber(text, balances.measured) && takeNumber(text, balances.balance.step);
+    if (isRead && balances.balance.step != 0) {
+        balances.balance.flows.resize(balances.plan->channels.size());
+        balances.balance.quantities.resize(balances.plan->boxCells.size());
+    }
+    forNumbers(balances, [&](double& value) { isRead = isRead && takeNumber(text, value); });
+    return isRead && length >= 0 && balances.measured >= 0 && balances.balance.step >= 0;
+}
+
 std::string goOn(Balances& balances, const RunContext& run, std::string_view position) {
     if (!makePlan(balances, run)) return {};
     const std::string name = nameOf(balances.file.path);
     std::int64_t length = -1;
-    bool isRead = takeNumber(position, length) && takeNumber(position, balances.measured) && balances.measured >= 0;
-    for (LostChange& q : balances.lost)
-        for (double* const value : {&q.moved, &q.lost, &q.kept, &q.lostCells})
-            isRead = isRead && takeNumber(position, *value);
-    const bool hasRow = isRead && position.size() > 1 && position[0] == ';';
-    balances.pendingStep = run.sim.stepCount;
-    balances.pendingRow = hasRow ? std::string(position.substr(1)) + "\r\n" : "";
-    if (!isRead || length < 0) return "the position in " + name + " is damaged";
+    if (!takePosition(balances, position, length)) return "the position in " + name + " is damaged";
     RowFileContent old;
     const FileResult read = lookAt(balances.file, old);
     if (!read) return name + " can't be read: " + read.reason;

@@ -17,13 +17,6 @@ namespace norvane {
 
 namespace {
 
-std::string quantityNames() {
-    std::string names;
-    for (const Quantity& quantity : quantities())
-        if (quantity.value != nullptr) names += std::string(quantity.name) + ", ";
-    return names + "T, p, rho, u, v, w, speed, c0, c1 ...";
-}
-
 bool takeLines(const PlotOptions& options, const SimState& sim, std::vector<CellLine>& lines) {
     for (const std::string& along : options.along) {
         const std::vector<std::string> ends = parts(along, ':');
@@ -41,27 +34,6 @@ bool takeLines(const PlotOptions& options, const SimState& sim, std::vector<Cell
             return fault("--along", along, "possible beside the others: all lines must run along one dimension");
         line->name = along;
         lines.push_back(*line);
-    }
-    return true;
-}
-
-/// The quantities of a list; without one, the quantity of the geometry.
-bool takeQuantities(const PlotOptions& options, const SimState& sim, std::vector<ShownQuantity>& shown) {
-    std::vector<std::string> names{std::to_string(drawnQuantity(sim.showWhat))};
-    if (!options.quantity.empty()) names = parts(options.quantity, ',');
-    for (const std::string& name : names) {
-        std::optional<ShownQuantity> quantity = quantityNamed(sim, name, sim.showDims);
-        if (quantity && quantity->quantity == showVectors && options.quantity.empty())
-            quantity = ShownQuantity{showVelocity, 0};
-        if (!quantity || !hasValue(quantity->quantity))
-            return fault("--quantity", name, "a quantity with values of this geometry: " + quantityNames());
-        const bool hasComponents = hasDirections(quantity->quantity) || quantity->quantity == showConcentration;
-        if (!options.component.empty() && (hasComponents || names.size() == 1)) {
-            const std::optional<int> component = componentNamed(options.component, sim, quantity->quantity);
-            if (!component) return false;
-            quantity->component = *component;
-        }
-        shown.push_back(*quantity);
     }
     return true;
 }
@@ -89,6 +61,7 @@ ExitStatus writeChart(const PlotOptions& options, LineChart& chart) {
     const PictureFormat format = pictureFormat(options.output).value_or(PictureFormat::png);
     Canvas canvas;
     if (!sizeCanvas(options, format == PictureFormat::svg || format == PictureFormat::pdf, canvas)) return exitBadUse;
+    connectTextWidth(canvas);
     if (canvas.height == 0) canvas.height = chartHeight(chart, canvas);
     const FigureFile figure = connectFigure(canvas, format);
     drawChart(chart, canvas);
@@ -147,12 +120,46 @@ ExitStatus readProbesOf(const std::string& path, const PlotOptions& options, Pro
 
 } // namespace
 
-ExitStatus plotProfiles(const PlotOptions& options, const SimState& sim) {
-    std::vector<CellLine> lines;
+bool chosenQuantities(const PlotOptions& options,
+                      const SimState& sim,
+                      const std::string& list,
+                      std::vector<ShownQuantity>& shown) {
+    const std::vector<std::string> names =
+        list.empty() ? std::vector{std::to_string(drawnQuantity(sim.showWhat))} : parts(list, ',');
+    for (const std::string& name : names) {
+        const int number = catalogueNumber(name);
+        int component = sim.showDims;
+        if (!options.component.empty() && (hasComponents(number) || names.size() == 1)) {
+            const std::optional<int> given = componentNamed(options.component, sim, number);
+            if (!given) return false;
+            component = *given;
+        }
+        ShownQuantity quantity;
+        const std::string wrong = chooseShown(sim, name, component, quantity);
+        if (!wrong.empty()) {
+            std::fprintf(stderr, "%s: %s\n", options.panels.empty() ? "--quantity" : "--panels",
+                         printableName(wrong).c_str());
+            return false;
+        }
+        shown.push_back(quantity);
+    }
+    return true;
+}
+
+ExitStatus plotLines(const PlotOptions& options,
+                     const SimState& sim,
+                     const std::vector<CellLine>& lines,
+                     const std::string& quantities) {
     std::vector<ShownQuantity> shown;
-    if (!takeLines(options, sim, lines) || !takeQuantities(options, sim, shown)) return exitBadUse;
+    if (!chosenQuantities(options, sim, quantities, shown)) return exitBadUse;
     LineChart chart = profileChart(sim, lines, shown);
     return writeChart(options, chart);
+}
+
+ExitStatus plotProfiles(const PlotOptions& options, const SimState& sim) {
+    std::vector<CellLine> lines;
+    if (!takeLines(options, sim, lines)) return exitBadUse;
+    return plotLines(options, sim, lines, options.panels.empty() ? options.quantity : options.panels);
 }
 
 ExitStatus plotHistory(const PlotOptions& options, const SimState& sim) {

@@ -6,6 +6,7 @@
 #include "frontends/cli/chart_command.h"
 #include "frontends/cli/console.h"
 #include "frontends/cli/option_text.h"
+#include "frontends/cli/report_command.h"
 #include "platform/letter_case.h"
 #include "platform/terminal_text.h"
 
@@ -147,6 +148,11 @@ bool takeSize(const PlotOptions& options, Form& window) {
     return true;
 }
 
+/// Takes the options that choose a plane. A grid of one dimension has none.
+bool takePlane(const PlotOptions& options, SimState& sim) {
+    return takeAxes(options, sim) && takeSlices(options, sim) && takeZoom(options, sim);
+}
+
 /// Takes all options that need a model. The scale comes last: "auto" looks at the plane that the others choose.
 bool takeOptions(const PlotOptions& options, Program& program) {
     SimState& sim = program.sim;
@@ -161,12 +167,25 @@ bool unused(const char* option, bool isGiven, const char* chart) {
     return !isGiven;
 }
 
-/// Whether no option is given that a chart doesn't take.
-bool suitsCharts(const PlotOptions& options) {
+/// Whether no option is given that the style or the chart doesn't take.
+bool suitsChart(const PlotOptions& options) {
+    if (options.style == "classic")
+        return unused("--style classic", options.history || !options.along.empty(), "a chart")
+               && unused("--panels", !options.panels.empty(), "--style classic")
+               && unused("--contours", options.contours > 0, "--style classic")
+               && unused("--arrows", options.arrows, "--style classic")
+               && unused("--streamlines", options.streamlines, "--style classic")
+               && unused("--colors", !options.colors.empty(), "--style classic")
+               && unused("--stretch", options.stretch, "--style classic")
+               && unused("--show-walls", options.showWalls, "--style classic");
     if (!options.history && options.along.empty()) return true;
     const char* const chart = options.history ? "--history" : "--along";
     return unused("--slice", !options.slices.empty(), chart) && unused("--columns", !options.columns.empty(), chart)
            && unused("--rows", !options.rows.empty(), chart) && unused("--zoom", !options.zoom.empty(), chart)
+           && unused("--contours", options.contours > 0, chart) && unused("--arrows", options.arrows, chart)
+           && unused("--streamlines", options.streamlines, chart) && unused("--colors", !options.colors.empty(), chart)
+           && unused("--stretch", options.stretch, chart) && unused("--show-walls", options.showWalls, chart)
+           && unused("--panels", options.history && !options.panels.empty(), chart)
            && unused("--state", options.history && options.state, chart)
            && unused("--component", options.history && !options.component.empty(), chart);
 }
@@ -221,7 +240,7 @@ int plotGeometry(const PlotOptions& options) {
         fault("--output", options.output, "a name that ends in .png, .svg, .pdf or .bmp");
         return exitBadUse;
     }
-    if (!suitsCharts(options) || wouldOverwrite(options.geometry, options.output)) return exitBadUse;
+    if (!suitsChart(options) || wouldOverwrite(options.geometry, options.output)) return exitBadUse;
     Console console;
     connectConsole(console);
     Program& program = console.program;
@@ -237,6 +256,10 @@ int plotGeometry(const PlotOptions& options) {
         return exitNoModel;
     }
     if (!options.along.empty()) return plotProfiles(options, program.sim);
+    if (options.style == "report") {
+        if (!takePlane(options, program.sim)) return exitBadUse;
+        return plotReport(options, program.sim);
+    }
     if (!takeOptions(options, program)) return exitBadUse;
 
     Surface& surface = program.ui.NV_out.Picture1;

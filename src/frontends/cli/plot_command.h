@@ -19,7 +19,15 @@ struct PlotOptions {
     std::string zoom;                ///< "1,2", a stretch for each dimension
     std::string title;
     bool hasTitle = false;
-    std::string size;                      ///< "1200x900" pixels
+    std::string size;             ///< "1200x900" pixels
+    std::string style = "report"; ///< "report" or "classic"
+    std::string panels;           ///< "T,p,u"
+    std::string colors;           ///< the name of a colour table
+    int contours = 0;             ///< how many contour lines, about; 0: none
+    bool arrows = false;          ///< of the velocity
+    bool streamlines = false;
+    bool stretch = false;                  ///< gives up true proportions
+    bool showWalls = false;                ///< with the temperature of walls
     std::vector<std::string> along;        ///< "C7:C30", lines of cells
     bool history = false;                  ///< the probes over time
     std::string probes;                    ///< the file of the probes

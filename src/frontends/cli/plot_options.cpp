@@ -31,6 +31,24 @@ void addCharts(CLI::App& plot, PlotOptions& options) {
         ->check(notEmpty);
 }
 
+void addReport(CLI::App& plot, PlotOptions& options) {
+    plot.add_option("--style", options.style,
+                    "report: on white, in metres, with a colour bar; classic: as the plot window draws it")
+        ->check(CLI::IsMember({"report", "classic"}));
+    plot.add_option("--panels", options.panels, "several quantities in one figure, such as T,p,u")
+        ->type_name("LIST")
+        ->excludes("--quantity")
+        ->check(notEmpty);
+    plot.add_option("--contours", options.contours, "about so many contour lines, at round values")
+        ->type_name("N")
+        ->check(CLI::Range(2, 100));
+    plot.add_flag("--arrows", options.arrows, "arrows of the velocity over the colours");
+    plot.add_flag("--streamlines", options.streamlines, "streamlines of the velocity in the plane over the colours");
+    plot.add_option("--colors", options.colors, "viridis, coolwarm or grey");
+    plot.add_flag("--stretch", options.stretch, "fill the picture instead of keeping true proportions");
+    plot.add_flag("--show-walls", options.showWalls, "colour walls by their temperature instead of grey");
+}
+
 } // namespace
 
 Command addPlot(CLI::App& app) {
@@ -51,11 +69,12 @@ Command addPlot(CLI::App& app) {
     plot->add_option("--rows", options.rows, "the dimension that is drawn downward")->type_name("D");
     plot->add_option("--scale", options.scale,
                      "the ends of the colour scale, in the unit of the quantity (deg C, m/s, Pa ...); auto fits them "
-                     "to the plane")
+                     "to the gas of the plane, symmetric puts 0 in the middle; log, or log,1:1000")
         ->type_name("LOW:HIGH");
     plot->add_option("--zoom", options.zoom, "a stretch for each dimension, such as 1,2");
     plot->add_option("--title", options.title, "the title of the plot");
     plot->add_option("--size", options.size, "pixels, such as 1200x900")->type_name("WxH");
+    addReport(*plot, options);
     addCharts(*plot, options);
     plot->footer(lookStatusHelp);
     return {plot, [kept, plot] {

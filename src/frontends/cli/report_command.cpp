@@ -1,0 +1,165 @@
+#include "frontends/cli/report_command.h"
+
+#include "display/color_tables.h"
+#include "drawing/field_figure.h"
+#include "frontends/cli/option_text.h"
+#include "platform/letter_case.h"
+#include "platform/terminal_text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <optional>
+
+namespace norvane {
+
+namespace {
+
+/// What --scale says: words and ends, with commas between them.
+struct ScaleChoice {
+    bool isSymmetric = false;
+    bool isLog = false;
+    std::optional<Range> ends;
+};
+
+std::optional<Range> endsOf(const std::string& text) {
+    const std::vector<std::string> sides = parts(text, ':');
+    const std::optional<double> low = sides.size() == 2 ? finiteNumber(sides[0]) : std::nullopt;
+    const std::optional<double> high = sides.size() == 2 ? finiteNumber(sides[1]) : std::nullopt;
+    const Range range{low.value_or(0), high.value_or(0)};
+    const bool isRange = low && high && range.low < range.high && std::isfinite(range.high - range.low);
+    return isRange ? std::optional(range) : std::nullopt;
+}
+
+bool takeScale(const PlotOptions& options, std::size_t panels, ScaleChoice& choice) {
+    if (options.scale.empty()) return true;
+    for (const std::string& word : parts(lowerCase(options.scale), ',')) {
+        if (word == "auto") continue;
+        if (word == "symmetric")
+            choice.isSymmetric = true;
+        else if (word == "log")
+            choice.isLog = true;
+        else if (!(choice.ends = endsOf(word)))
+            return fault("--scale", options.scale,
+                         "LOW:HIGH in the unit of the quantity, such as 20:120 for deg C, auto, symmetric, log, or "
+                         "log,LOW:HIGH");
+    }
+    if (choice.isLog && (choice.isSymmetric || (choice.ends && !(choice.ends->low > 0))))
+        return fault("--scale", options.scale, "possible: the ends of a logarithmic scale are above 0");
+    if (choice.ends && panels > 1)
+        return fault("--scale", options.scale, "possible with several panels, whose quantities differ");
+    return true;
+}
+
+/// The range that a scale has over these values; none where no value can be shown on it.
+std::optional<Range> rangeOver(const std::vector<float>& values, const ScaleChoice& choice) {
+    constexpr int decades = 6;
+    if (choice.ends) return choice.ends;
+    bool found = false;
+    Range range = extentOf(values, found);
+    if (choice.isLog) range = positive(values, decades, found);
+    if (choice.isSymmetric) range = symmetric(range);
+    return found ? std::optional(drawable(range)) : std::nullopt;
+}
+
+/// Round values within a range, but not those next to its ends: there a line would follow the rounding of singles.
+std::vector<double> contourLevels(Range range, bool isLog, int count) {
+    if (count == 0) return {};
+    std::vector<double> levels = (isLog ? logTicks(range, count + 2) : linearTicks(range, count + 2)).places;
+    const double room = isLog ? 0 : 0.01 * (range.high - range.low);
+    std::erase_if(levels, [&](double level) { return level <= range.low + room || level >= range.high - room; });
+    return levels;
+}
+
+bool takePanel(const PlotOptions& options, const ScaleChoice& choice, FieldPanel& panel) {
+    const std::optional<Range> range = rangeOver(panel.values, choice);
+    if (!range) {
+        std::fprintf(stderr, "%s: the plane has no value that can be shown%s\n", panel.label.c_str(),
+                     choice.isLog ? " on a logarithmic scale" : "");
+        return false;
+    }
+    const std::string table = !options.colors.empty() ? options.colors : choice.isSymmetric ? "coolwarm" : "viridis";
+    panel.scale = {*range, choice.isLog, colorTable(table)};
+    if (panel.scale.colors == nullptr) {
+        std::string names;
+        for (const ColorTable& each : colorTables()) names += (names.empty() ? "" : ", ") + std::string(each.name);
+        return fault("--colors", options.colors, "one of " + names);
+    }
+    const double slack = 1e-6 * (range->high - range->low);
+    for (const float value : panel.values) {
+        panel.reachesBelow = panel.reachesBelow || value < range->low - slack;
+        panel.reachesAbove = panel.reachesAbove || value > range->high + slack;
+    }
+    panel.contours = contourLevels(*range, choice.isLog, options.contours);
+    panel.hasArrows = panel.hasArrows || options.arrows;
+    panel.hasStreamlines = options.streamlines;
+    return true;
+}
+
+bool takePanels(const PlotOptions& options, const SimState& sim, FieldFigure& figure) {
+    std::vector<ShownQuantity> shown;
+    ScaleChoice choice;
+    if (!chosenQuantities(options, sim, options.panels.empty() ? options.quantity : options.panels, shown)
+        || !takeScale(options, shown.size(), choice))
+        return false;
+    for (const ShownQuantity& each : shown) {
+        FieldPanel panel;
+        panel.label = each.label;
+        panel.unit = each.unit;
+        panel.hasArrows = each.isArrows;
+        panel.values = planeValues(sim, figure.plane, each, options.showWalls);
+        if (!takePanel(options, choice, panel)) return false;
+        figure.panels.push_back(std::move(panel));
+    }
+    return true;
+}
+
+bool hasExtent(Range range) { return std::isfinite(range.high - range.low) && range.high > range.low; }
+
+ExitStatus plotWholeLine(const PlotOptions& options, const SimState& sim) {
+    const bool asksForPlane = options.arrows || options.streamlines || options.contours > 0;
+    if (asksForPlane) {
+        std::fprintf(stderr,
+                     "--contours, --arrows and --streamlines need a grid of two dimensions; this one has one\n");
+        return exitBadUse;
+    }
+    CellLine line;
+    for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) line.cells.push_back(cell);
+    return plotLines(options, sim, {line}, options.panels.empty() ? options.quantity : options.panels);
+}
+
+} // namespace
+
+ExitStatus makeFigure(const PlotOptions& options, const SimState& sim, FieldFigure& figure) {
+    figure.plane = planeOf(sim);
+    if (!hasExtent(figure.plane.across) || !hasExtent(figure.plane.down)) {
+        std::fprintf(stderr, "%s: the cells of the plane have no size (key DD), so there is nothing to draw\n",
+                     printableName(sim.fileName).c_str());
+        return exitNoModel;
+    }
+    const std::string slice = sliceText(sim, figure.plane);
+    figure.title = options.hasTitle ? options.title : sim.graphTitle;
+    figure.subtitle = momentText(sim) + (slice.empty() ? "" : ", " + slice);
+    figure.fillsCanvas = options.stretch;
+    figure.stretchAcross = double(sim.zoom[figure.plane.acrossDim]) / double(sim.zoom[figure.plane.downDim]);
+    return takePanels(options, sim, figure) ? exitDone : exitBadUse;
+}
+
+ExitStatus plotReport(const PlotOptions& options, const SimState& sim) {
+    if (sim.nDim == 1) return plotWholeLine(options, sim);
+    FieldFigure figure;
+    const ExitStatus status = makeFigure(options, sim, figure);
+    if (status != exitDone) return status;
+    const PictureFormat format = pictureFormat(options.output).value_or(PictureFormat::png);
+    Canvas canvas;
+    if (!sizeCanvas(options, format == PictureFormat::svg || format == PictureFormat::pdf, canvas)) return exitBadUse;
+    if (canvas.height == 0) {
+        connectTextWidth(canvas);
+        fitCanvas(figure, canvas);
+    }
+    const FigureFile file = connectFigure(canvas, format);
+    drawFigure(sim, figure, canvas);
+    return writtenFigure(file, options.output);
+}
+
+} // namespace norvane
