@@ -3,6 +3,7 @@
 #include "core/addressing.h"
 #include "core/balance_rows.h"
 #include "core/exact_arithmetic.h"
+#include "core/remainders.h"
 #include "core/source_terms.h"
 #include "core/wall_codes.h"
 
@@ -100,17 +101,22 @@ void addMomentumFlows(const StageSums& s) {
 
 /// The slope of a species in a cell after its faces. A sink reads it; the slot may hold what exchange has added since.
 float speciesInflow(const SimState& sim, std::int32_t cell, int species) {
-    double slope = 0;
-    for (int dim = 1; dim <= sim.nDim; ++dim)
+    const bool isWide = hasRemainders(sim); // then the terms of a dimension are rounded together
+    float slope = 0;
+    for (int dim = 1; dim <= sim.nDim; ++dim) {
+        double sum = slope;
         for (const int side : {-1, 1}) {
             const std::int64_t neighbour = cell + side * std::int64_t{sim.cellStride[dim]};
             if (!inSameRow(sim, cell, neighbour, dim)) continue;
             const FaceFlow flow = flowThrough(sim, side < 0 ? static_cast<std::int32_t>(neighbour) : cell, dim);
             if (!flow.isOpen) continue;
             const double term = flow.mass * double(sim.concentration(flow.donor, species));
-            slope = static_cast<float>(side < 0 ? slope + term : slope - term);
+            sum = side < 0 ? sum + term : sum - term;
+            if (!isWide) sum = static_cast<float>(sum);
         }
-    return static_cast<float>(slope);
+        slope = static_cast<float>(sum);
+    }
+    return slope;
 }
 
 /// (9)

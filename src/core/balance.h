@@ -111,12 +111,12 @@ struct BalancePlan {
 
 /// A quantity in the box over one step.
 struct QuantityBalance {
-    double content = 0;   ///< at the end of the step: kg, J, kg m/s, as the following
+    double content = 0;   ///< at the end of the step, with remainders where they are kept: kg, J, kg m/s, as all here
     double change = 0;    ///< over the step
     double moved = 0;     ///< sum of the magnitudes of what the step was to add to each cell
     double lost = 0;      ///< the part of it that the rounding of the sum takes away
     double kept = 0;      ///< the part that is lost where remainders are kept; equal to `lost` without them
-    double lostCells = 0; ///< cells that were to change, and are the same number after the step
+    double lostCells = 0; ///< cells that were to change, and whose float is the same after the step
 };
 
 struct StepBalance {

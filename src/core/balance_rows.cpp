@@ -2,6 +2,7 @@
 
 #include "core/addressing.h"
 #include "core/exact_arithmetic.h"
+#include "core/remainders.h"
 
 #include <algorithm>
 #include <cmath>
@@ -97,24 +98,35 @@ struct QuantityRow {
     const float* committed;
     const float* slopes[4];
     const std::int16_t* code;
+    const float* remainder; ///< null where none is kept
 };
 
 template <class Slots>
-QuantityRow quantityRow(const Slots& slots, std::int64_t component, std::int64_t first, const std::int16_t* code) {
+QuantityRow quantityRow(const SimState& sim,
+                        const Slots& slots,
+                        const CellTable<float>& remainders,
+                        std::int64_t component,
+                        std::int64_t first,
+                        const std::int16_t* code) {
     const auto at = [&](int slot) { return slots.slot(slot).component(component) + first; };
-    return {at(committedSlot), {at(1), at(2), at(3), at(4)}, code + first};
+    const float* const remainder = hasRemainders(sim) ? remainders.component(component) + first : nullptr;
+    return {at(committedSlot), {at(1), at(2), at(3), at(4)}, code + first, remainder};
 }
 
 /// `quantity` as channels number them.
 QuantityRow quantityRow(const SimState& sim, int quantity, std::int64_t first) {
     const int heat = sim.nsMax + 1;
-    if (quantity < heat) return quantityRow(sim.stageSpecies, quantity, first, &sim.wallPressure[0]);
-    if (quantity == heat) return quantityRow(sim.stageEnergy, 0, first, &sim.wallTemperature[0]);
     const int dim = quantity - heat;
-    return quantityRow(sim.stageMomentum, dim, first, sim.wallVelocity.component(dim));
+    if (quantity < heat)
+        return quantityRow(sim, sim.stageSpecies, sim.speciesRemainder, quantity, first, &sim.wallPressure[0]);
+    if (quantity == heat)
+        return quantityRow(sim, sim.stageEnergy, sim.energyRemainder, 0, first, &sim.wallTemperature[0]);
+    return quantityRow(sim, sim.stageMomentum, sim.momentumRemainder, dim, first, sim.wallVelocity.component(dim));
 }
 
-/// (S3) in the cells of a row that are integrated. `sums` are the members of QuantityBalance in their order.
+/// (S3), or (S5) where remainders are kept, in the cells of a row that are integrated. `sums` are the members of
+/// QuantityBalance in their order.
+template <bool Compensated>
 void sumQuantity(const QuantityRow& q, int count, double dt, double* sums) {
     LaneSums<sumsOfQuantity> s;
     forLanes(count, [&](int i, int lane) {
@@ -122,18 +134,27 @@ void sumQuantity(const QuantityRow& q, int count, double dt, double* sums) {
         const double sum =
             (2 * double(q.slopes[1][i]) + double(q.slopes[0][i])) + 2 * double(q.slopes[2][i]) + double(q.slopes[3][i]);
         const double increment = sum * dt / 6;
-        const double after = static_cast<float>(before + increment);
+        const double plain = static_cast<float>(before + increment);
+        const double lost = std::fabs(increment - (plain - before));
+        double after = plain;
+        double change = plain - before;
+        if constexpr (Compensated) {
+            const double next = before + double(q.remainder[i]) + increment;
+            const double state = static_cast<float>(next);
+            const double rest = static_cast<float>(next - state);
+            after = state + rest;
+            change = (state - before) + (rest - double(q.remainder[i]));
+        }
         const bool free = q.code[i] == 0;
-        const double change = after - before;
-        const double lost = std::fabs(increment - change);
         s.lane[0][lane] += free ? after : 0.0;
         s.lane[1][lane] += free ? change : 0.0;
         s.lane[2][lane] += free ? std::fabs(increment) : 0.0;
         s.lane[3][lane] += free ? lost : 0.0;
-        s.lane[5][lane] += free && increment != 0 && change == 0 ? 1.0 : 0.0;
+        if constexpr (Compensated) s.lane[4][lane] += free ? std::fabs(increment - change) : 0.0;
+        s.lane[5][lane] += free && increment != 0 && plain == before ? 1.0 : 0.0;
     });
     s.store(sums);
-    sums[4] = sums[3];
+    if constexpr (!Compensated) sums[4] = sums[3];
 }
 
 } // namespace
@@ -162,12 +183,13 @@ void addForces(const SimState& sim, BalancePlan& plan) {
 
 void sumQuantities(const SimState& sim, BalancePlan& plan, StepBalance& balance) {
     const std::size_t quantities = balance.quantities.size();
+    const auto sumRow = hasRemainders(sim) ? sumQuantity<true> : sumQuantity<false>;
     std::vector<double>& totals = plan.totals;
     std::fill(totals.begin(), totals.end(), 0.0);
     sumRows(plan, quantities * sumsOfQuantity, totals.data(), [&](std::int64_t row, double* sums) {
         const std::int64_t first = 1 + row * sim.cellCount[1];
         for (std::size_t k = 0; k < quantities; ++k, sums += sumsOfQuantity)
-            sumQuantity(quantityRow(sim, static_cast<int>(k), first), sim.cellCount[1], double(sim.dt), sums);
+            sumRow(quantityRow(sim, static_cast<int>(k), first), sim.cellCount[1], double(sim.dt), sums);
     });
     for (std::size_t k = 0; k < quantities; ++k) {
         const double* const sums = &totals[k * sumsOfQuantity];

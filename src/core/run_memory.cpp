@@ -1,6 +1,7 @@
 #include "core/run_memory.h"
 
 #include "core/cell_fields.h"
+#include "core/remainders.h"
 #include "platform/checksum.h"
 
 #include <algorithm>
@@ -89,13 +90,16 @@ struct FieldBits {
 
 std::vector<KeptField> keptFields(SimState& sim) {
     std::vector<KeptField> fields;
-    for (const CellField& field : cellFields()) {
-        if (!isKept(field)) continue;
+    const auto add = [&](const CellField& field) {
         const ComponentRange range = componentRange(field.components, sim.nDim, sim.nsMax);
         KeptField kept{field.name, field.unit, field.meaning, 1, range.count(), kindOf(field.components), {}};
         std::visit(ArrayList{sim, range, kept}, field.member);
         fields.push_back(std::move(kept));
-    }
+    };
+    for (const CellField& field : cellFields())
+        if (isKept(field)) add(field);
+    for (const CellField& field : remainderFields())
+        if (hasRemainders(sim)) add(field);
     return fields;
 }
 

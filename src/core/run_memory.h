@@ -24,7 +24,7 @@ struct KeptField {
     std::vector<float*> arrays; ///< [slots * components], components of slot 0 first: the values of cells 1 to nCells
 };
 
-/// All of a grid that has been allocated. To keep a further field is a row in the table of this function.
+/// All of a grid that has been allocated, the remainders of a compensated run included.
 std::vector<KeptField> keptFields(SimState& sim);
 
 /// Of all that a build makes of a table and no stage changes: CRC-64 of its bits.

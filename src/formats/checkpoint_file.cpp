@@ -2,8 +2,8 @@
 
 #include "core/run_memory.h"
 #include "formats/netcdf_file.h"
+#include "platform/available_memory.h"
 #include "platform/checksum.h"
-#include "platform/files.h"
 #include "platform/sealed_file.h"
 
 #include <cmath>
@@ -162,11 +162,11 @@ void writeFields(NetcdfFile& file, SimState& sim) {
     }
 }
 
-std::uint64_t bytesOf(SimState& sim) {
-    constexpr std::uint64_t others = 1 << 16; // what the format adds, and the numbers
-    std::uint64_t arrays = 0;
+std::size_t bytesOf(SimState& sim) {
+    constexpr std::size_t others = 1 << 16; // what the format adds, and the numbers
+    std::size_t arrays = 0;
     for (const KeptField& field : keptFields(sim)) arrays += field.arrays.size();
-    return arrays * static_cast<std::uint64_t>(sim.nCells) * sizeof(float) + others;
+    return arrays * static_cast<std::size_t>(sim.nCells) * sizeof(float) + others;
 }
 
 std::string faultOfVersions(NetcdfFile& file) {
@@ -199,20 +199,14 @@ std::string readField(NetcdfFile& file, const KeptField& field, std::size_t cell
 } // namespace
 
 std::string writeCheckpoint(const std::string& path, SimState& sim, const Checkpoint& checkpoint) {
-    const FileResult room = roomFor(folderOf(path), bytesOf(sim)); // the library tells no reasons
-    if (!room) return room.reason;
-    removeFile(path); // of a run that was killed
-    std::string fault;
-    {
-        NetcdfFile file = NetcdfFile::createNew(path);
-        writeHeader(file, sim, checkpoint);
-        writeFields(file, sim);
-        file.close();
-        fault = file.fault();
-    }
-    if (fault.empty()) fault = sealFile(path).reason;
-    if (!fault.empty()) removeFile(path);
-    return fault;
+    const std::size_t bytes = bytesOf(sim);
+    const double memory = availableMemory();
+    if (memory > 0 && static_cast<double>(bytes) > memory) return "there is not enough memory to make it";
+    NetcdfFile file = NetcdfFile::createInMemory(bytes);
+    writeHeader(file, sim, checkpoint);
+    writeFields(file, sim);
+    const FileImage image = file.closeToMemory();
+    return file.ok() ? writeSealed(path, image.view()).reason : file.fault();
 }
 
 std::string readCheckpoint(const std::string& path, Checkpoint& checkpoint) {

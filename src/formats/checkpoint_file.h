@@ -33,8 +33,9 @@ struct Checkpoint {
     std::vector<NamedText> positions; ///< where the files of the run stand
 };
 
-/// Writes a whole checkpoint, sealed and flushed, under a name that no file has. Gives what went wrong, in words, and
-/// leaves no file then; empty: nothing.
+/// Writes a whole checkpoint, sealed and flushed, over a file of that name. It is made in memory, which takes as much
+/// as the file, so that no fault of a disc meets the library of the format. Gives what went wrong, in words, and leaves
+/// no file then; empty: nothing.
 std::string writeCheckpoint(const std::string& path, SimState& sim, const Checkpoint& checkpoint);
 
 /// Reads all but the fields. Gives why the file can't be taken: nothing of it is then.

@@ -2,6 +2,8 @@
 // reads and writes the chunks of a data set as they lie.
 
 #include "formats/frame_file.h"
+#include "platform/exchanged_file.h"
+#include "platform/files.h"
 
 #include <hdf5.h>
 
@@ -116,6 +118,8 @@ std::string copyFrames(const std::string& from,
                        const FrameTimes& times) {
     const std::size_t end = times.steps.size();
     if (first >= end) return {};
+    const FileResult room = reserveRoom(to, std::min(layout.roomOfFrames(end - first), stampOf(from).size));
+    if (!room) return room.reason;
     if (!copyFields(from, to, layout, first, end)) return "its frames can't be copied";
     NetcdfFile file = NetcdfFile::openToAppend(to);
     const std::size_t count = end - first;

@@ -18,7 +18,11 @@ constexpr const char* stateComment =
     "fields as they stand after a step, as plots show them: the trial state of the fourth stage of the Runge-Kutta "
     "step; step 0 is the start";
 
-void setTexts(NetcdfFile& file, const SimState& sim, const FrameLayout& layout, const FrameOrigin& origin) {
+void setTexts(NetcdfFile& file,
+              const SimState& sim,
+              const FrameLayout& layout,
+              const FrameOrigin& origin,
+              const std::string& table) {
     constexpr int whole = NetcdfFile::wholeFile;
     file.setText(whole, "Conventions", "CF-1.8");
     file.setText(whole, "title", origin.title);
@@ -28,7 +32,7 @@ void setTexts(NetcdfFile& file, const SimState& sim, const FrameLayout& layout, 
     file.setText(whole, "norvane_fields", layout.fieldNames());
     file.setText(whole, "table_name", sim.fileName);
     file.setText(whole, "table_sha256", origin.fingerprint);
-    file.setText(whole, "table", tableText(sim));
+    file.setText(whole, "table", table);
     file.setNumber(whole, "time_step", double(sim.dt));
 }
 
@@ -101,9 +105,12 @@ std::string
 createFrameFile(const std::string& path, const SimState& sim, const FrameLayout& layout, const FrameOrigin& origin) {
     const FileResult fresh = makeFresh(path);
     if (!fresh) return fresh.reason;
+    const std::string text = tableText(sim);
+    const FileResult room = reserveRoom(path, layout.roomOfGrid() + text.size());
+    if (!room) return room.reason;
     NetcdfFile file = NetcdfFile::create(path);
     if (!file.ok()) return file.fault();
-    setTexts(file, sim, layout, origin);
+    setTexts(file, sim, layout, origin, text);
     const int time = addTime(file);
     const std::vector<int> axes = addAxes(file, sim, layout);
     addFields(file, layout, time, axes);
@@ -113,6 +120,8 @@ createFrameFile(const std::string& path, const SimState& sim, const FrameLayout&
 
 std::string
 addFrames(const std::string& path, const FrameLayout& layout, std::size_t place, std::span<const Frame> frames) {
+    const FileResult room = reserveRoom(path, layout.roomOfFrames(frames.size()));
+    if (!room) return room.reason;
     NetcdfFile file = NetcdfFile::openToAppend(path);
     if (!file.ok()) return file.fault();
     const int time = file.variable("time");

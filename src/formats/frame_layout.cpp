@@ -152,6 +152,27 @@ std::size_t FrameLayout::frameBytes() const {
     return components * cells() * sizeof(float);
 }
 
+std::uint64_t FrameLayout::roomOfFrames(std::size_t count) const {
+    constexpr std::uint64_t treeBytes = 1 << 14; // of new nodes of the tree that finds the chunks of a field
+    constexpr std::uint64_t entryBytes = 128;    // of a chunk in there
+    std::uint64_t chunks = 1;
+    std::uint64_t cellsOfChunk = 1;
+    for (std::size_t k = 0; k < shape.size(); ++k) {
+        chunks *= (shape[k] + chunk[k] - 1) / chunk[k];
+        cellsOfChunk *= chunk[k];
+    }
+    std::uint64_t bytes = 1 << 16;
+    for (const FrameField& field : fields)
+        bytes += treeBytes + count * chunks * (cellsOfChunk * field.components * sizeof(float) + entryBytes);
+    return bytes;
+}
+
+std::uint64_t FrameLayout::roomOfGrid() const {
+    constexpr std::uint64_t boxBytes = 128; // corners of a cell and their numbers
+    const std::uint64_t perCell = 32 + 24 * shape.size() + (isRectilinear ? 0 : boxBytes);
+    return cells() * perCell + (1 << 18);
+}
+
 bool FrameLayout::hasMesh() const {
     constexpr std::size_t mostCorners = std::numeric_limits<std::int32_t>::max();
     return shape.size() <= spaceDimensions && (isRectilinear || cells() <= mostCorners >> shape.size());

@@ -35,8 +35,12 @@ struct FrameLayout {
     std::vector<FrameField> fields;
 
     std::size_t cells() const;
-    /// Of all fields of a frame.
+    /// Of all fields of a frame, as they are in memory.
     std::size_t frameBytes() const;
+    /// What frames take at most in a file: what compression makes larger is kept as it is.
+    std::uint64_t roomOfFrames(std::size_t count) const;
+    /// The same for all that comes before the first frame, but for texts.
+    std::uint64_t roomOfGrid() const;
     /// Whether other programs can draw the grid: up to three dimensions, and corners that a number of 32 bits counts.
     bool hasMesh() const;
     /// "T p rho u".

@@ -2,6 +2,7 @@
 
 #include <hdf5.h>
 #include <netcdf.h>
+#include <netcdf_mem.h>
 
 #include <utility>
 
@@ -46,8 +47,14 @@ using Lock = std::lock_guard<std::recursive_mutex>;
 
 constexpr std::size_t longestText = std::size_t{1} << 30; // of an attribute of a file that others may have written
 
-/// HDF5 prints its faults on each thread that has not asked it to be silent.
-void silenceThread() { H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr); }
+/// HDF5 prints its faults on each thread that has not asked it to be silent. And at the end of the program it closes
+/// what is open, where it ends the process by a fault if a file could not be closed for want of room: all files of ours
+/// are closed by then.
+void silenceThread() {
+    static const bool leavesEnd = H5dont_atexit() >= 0;
+    (void)leavesEnd;
+    H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr);
+}
 
 } // namespace
 
@@ -56,18 +63,30 @@ std::recursive_mutex& netcdfMutex() {
     return mutex;
 }
 
-NetcdfFile NetcdfFile::create(const std::string& path) { return createAs(path, NC_CLOBBER); }
+NetcdfFile NetcdfFile::created(int status, int number) {
+    NetcdfFile file;
+    int before = 0;
+    if (file.isDone(status, "create")) {
+        file.file_ = number;
+        file.isDone(nc_set_fill(number, NC_NOFILL, &before), "create");
+    }
+    return file;
+}
 
-NetcdfFile NetcdfFile::createNew(const std::string& path) { return createAs(path, NC_NOCLOBBER); }
-
-NetcdfFile NetcdfFile::createAs(const std::string& path, int mode) {
+NetcdfFile NetcdfFile::create(const std::string& path) {
     const Lock lock(netcdfMutex());
     silenceThread();
-    NetcdfFile file;
-    file.isDone(nc_create(path.c_str(), NC_NETCDF4 | mode, &file.file_), "create");
-    int before = 0;
-    if (file.ok()) file.isDone(nc_set_fill(file.file_, NC_NOFILL, &before), "create");
-    return file;
+    int number = -1;
+    const int status = nc_create(path.c_str(), NC_NETCDF4 | NC_CLOBBER, &number);
+    return created(status, number);
+}
+
+NetcdfFile NetcdfFile::createInMemory(std::size_t bytes) {
+    const Lock lock(netcdfMutex());
+    silenceThread();
+    int number = -1;
+    const int status = nc_create_mem("memory", NC_NETCDF4, bytes, &number);
+    return created(status, number);
 }
 
 NetcdfFile NetcdfFile::openToRead(const std::string& path) {
@@ -255,6 +274,17 @@ bool NetcdfFile::close() {
     const int file = std::exchange(file_, -1);
     if (file >= 0) isDone(nc_close(file), "close");
     return ok();
+}
+
+FileImage NetcdfFile::closeToMemory() {
+    const Lock lock(netcdfMutex());
+    FileImage image;
+    NC_memio memory{};
+    const int file = std::exchange(file_, -1);
+    if (file < 0 || !isDone(nc_close_memio(file, &memory), "close")) return image;
+    image.bytes.reset(static_cast<char*>(memory.memory));
+    if (ok()) image.count = memory.size;
+    return image;
 }
 
 #define NORVANE_INSTANTIATE(Value)                                                                                     \

@@ -4,8 +4,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+#include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace norvane {
@@ -20,13 +23,22 @@ struct VariableLayout {
     int compression = 0;             ///< 0: none, to 9; with a shuffle of bytes
 };
 
+/// The bytes of a file.
+struct FileImage {
+    std::unique_ptr<char, void (*)(void*)> bytes{nullptr, std::free};
+    std::size_t count = 0;
+
+    std::string_view view() const { return {bytes.get(), count}; }
+};
+
 /// Closed when it goes, whose faults nobody hears of then.
 class NetcdfFile {
 public:
     /// Makes a new file, over an older one.
     static NetcdfFile create(const std::string& path);
-    /// As above, but a file of that name is a fault.
-    static NetcdfFile createNew(const std::string& path);
+    /// A new file of so many bytes, or some more, that is never on a disc: closeToMemory gives it. The library doesn't
+    /// recover from a write that fails: files so large that a disc may fill up are better made here.
+    static NetcdfFile createInMemory(std::size_t bytes);
     static NetcdfFile openToRead(const std::string& path);
     static NetcdfFile openToAppend(const std::string& path);
 
@@ -80,9 +92,12 @@ public:
     /// Writes what is pending and closes the file; true: all is written.
     bool close();
 
+    /// Ends a file that was created in memory. Empty after a fault.
+    FileImage closeToMemory();
+
 private:
     NetcdfFile() = default;
-    static NetcdfFile createAs(const std::string& path, int mode);
+    static NetcdfFile created(int status, int number);
     bool isDone(int status, const char* what);
 
     int file_ = -1; ///< -1: closed

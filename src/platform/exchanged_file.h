@@ -3,6 +3,7 @@
 
 #include "platform/files.h"
 
+#include <cstdint>
 #include <string>
 
 namespace norvane {
@@ -16,6 +17,11 @@ FileResult exchangeFile(const std::string& fresh, const std::string& path, const
 /// Creates an empty file under a name of ours, in place of what is there: a file of a process that was killed, or a
 /// link that somebody else has laid there.
 FileResult makeFresh(const std::string& path);
+
+/// Takes room on the disc for so many bytes more at the end of a file, whose length stays: writes that come then do not
+/// meet a full disc. Room that is not used goes back when the file is cut to its length. Where the file system can't do
+/// that it is asked for its free room.
+FileResult reserveRoom(const std::string& path, std::uint64_t bytes);
 
 /// The file that `path` leads to: a link stays, and its file is exchanged. `result` is a failure where the link must
 /// not be followed.

@@ -217,13 +217,6 @@ FileResult flushFile(const std::string& path) {
     return flushToDisc(file.get()) ? FileResult{} : failure(errno);
 }
 
-FileResult roomFor(const std::string& folder, std::uint64_t bytes) {
-    std::error_code unknown;
-    const auto space = std::filesystem::space(folder, unknown);
-    if (!unknown && space.available < bytes) return failure(ENOSPC);
-    return static_cast<std::uint64_t>(fileSizeLimit()) < bytes ? failure(EFBIG) : FileResult{};
-}
-
 std::string programPath(const std::string& calledName) {
     namespace fs = std::filesystem;
     if (fs::path(calledName).has_parent_path()) return absolutePath(calledName);

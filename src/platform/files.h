@@ -80,10 +80,6 @@ FileResult cutFile(const std::string& path, std::uint64_t length);
 /// Waits until the content of a file is on the disc.
 FileResult flushFile(const std::string& path);
 
-/// Whether so many bytes more may be written to a file in a folder: the free room of its disc, and the system's limit
-/// for a file. What the system does not say counts as enough.
-FileResult roomFor(const std::string& folder, std::uint64_t bytes);
-
 /// Names of the files in a folder with a given ending, whatever the case, sorted byte by byte; no folders. Empty if the
 /// folder can't be read.
 std::vector<std::string> listFiles(const std::string& folder, const std::string& ending);

@@ -49,6 +49,20 @@ std::string lastBytes(std::FILE* file, std::int64_t length) {
     return isRead && got == text.size() ? text : std::string();
 }
 
+/// `path` gets a second name, which takes the place of `older`.
+FileResult keepOlder(const std::string& path, const std::string& older) {
+    std::error_code failed;
+    const std::string beside = older + ".link";
+    fs::remove(beside, failed);
+    fs::create_hard_link(path, beside, failed);
+    if (failed) return renameFile(path, older); // a file system without them
+    FileResult renamed = renameFile(beside, older);
+    fs::remove(beside, failed); // two names of one file: a rename does nothing
+    return renamed;
+}
+
+} // namespace
+
 FileResult flushFolder(const std::string& folder) {
 #ifdef _WIN32
     static_cast<void>(folder);
@@ -64,31 +78,19 @@ FileResult flushFolder(const std::string& folder) {
     return {};
 }
 
-/// `path` gets a second name, which takes the place of `older`.
-FileResult keepOlder(const std::string& path, const std::string& older) {
-    std::error_code failed;
-    const std::string beside = older + ".link";
-    fs::remove(beside, failed);
-    fs::create_hard_link(path, beside, failed);
-    if (failed) return renameFile(path, older); // a file system without them
-    FileResult renamed = renameFile(beside, older);
-    fs::remove(beside, failed); // two names of one file: a rename does nothing
-    return renamed;
-}
-
-} // namespace
-
-FileResult sealFile(const std::string& path) {
+FileResult writeSealed(const std::string& path, std::string_view content) {
     FileResult result;
-    File file = openFile(path, Access::update, result);
+    File file = openFile(path, Access::replace, result);
     if (!file) return result;
     Crc64 crc;
+    crc.add(content);
     errno = 0;
-    const std::int64_t length = lengthOf(file.get());
-    const bool sealed = length >= 0 && addBytes(file.get(), length, crc) && seekTo(file.get(), length)
-                        && writeAll(file.get(), sealOf(crc.value())) && flushToDisc(file.get());
-    if (!sealed) return failure(errno);
-    return closeFile(std::move(file)) ? FileResult{} : failure(errno);
+    const bool written = writeAll(file.get(), content) && writeAll(file.get(), sealOf(crc.value()))
+                         && flushToDisc(file.get()) && closeFile(std::move(file));
+    if (written) return {};
+    result = failure(errno);
+    removeFile(path);
+    return result;
 }
 
 FileResult checkSeal(const std::string& path, bool& whole) {

@@ -1,6 +1,7 @@
 #include "verify/built_in.h"
 
 #include "core/addressing.h"
+#include "core/remainders.h"
 
 #include <algorithm>
 #include <cmath>
@@ -47,15 +48,20 @@ double fieldOf(const S& sim, const P&, std::int32_t cell) {
     return double((sim.*member)[cell]);
 }
 
-/// Summed in double, unlike the mass that the program derives.
+/// Summed in double, unlike the mass that the program derives, and with the remainders of a compensated run.
 double massOf(const S& sim, const P&, std::int32_t cell) {
     double mass = 0;
-    for (int species = 0; species <= sim.nsMax; ++species)
+    for (int species = 0; species <= sim.nsMax; ++species) {
         mass += double(sim.stageSpecies(committedSlot, species, cell));
+        if (hasRemainders(sim)) mass += double(sim.speciesRemainder(cell, species));
+    }
     return mass;
 }
 
-double heatOf(const S& sim, const P&, std::int32_t cell) { return double(sim.stageEnergy(committedSlot, cell)); }
+double heatOf(const S& sim, const P&, std::int32_t cell) {
+    const double heat = double(sim.stageEnergy(committedSlot, cell));
+    return hasRemainders(sim) ? heat + double(sim.energyRemainder(cell, 0)) : heat;
+}
 
 constexpr CellValue valuesOfCells[] = {
     {"x", place<1>},

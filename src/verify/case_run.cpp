@@ -17,6 +17,8 @@ namespace norvane {
 
 namespace {
 
+constexpr std::size_t mostRows = 2'000'000; // of a record, some hundred bytes each
+
 /// The runs of the same grid in one mode, with all that is read of their fields.
 struct GridRun {
     const Case& verified;
@@ -87,6 +89,7 @@ void takeRecords(GridRun& run, Evaluation& evaluation, std::int64_t steps) {
     for (std::size_t k = 0; k < run.records.size(); ++k) {
         const CaseRecord& record = run.verified.records[k];
         if (steps % record.every != 0) continue;
+        if (run.records[k].size() >= mostRows) evaluation.fault = "it has too many rows; take every so many steps";
         const auto number = static_cast<double>(steps);
         run.records[k].push_back({number, number * double(run.sim.dt), evaluation.value(record.body)});
     }
@@ -202,6 +205,7 @@ void runMode(const Case& verified, const CaseOptions& options, bool compensated,
     for (std::size_t grid = 0; grid < grids && result.fault.text.empty(); ++grid) {
         GridRun run{verified, verified.grids[grid], compensated};
         run.sim.threads = options.threads;
+        run.sim.compensated = compensated;
         options.began(run.grid, compensated);
         result.fault = load(run);
         if (!result.fault.text.empty()) return;

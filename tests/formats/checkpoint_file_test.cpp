@@ -91,7 +91,7 @@ TEST_F(CheckpointFile, givesBackEveryBit) {
 }
 
 TEST_F(CheckpointFile, isRefusedCutOrChangedAnywhere) {
-    for (std::size_t at = 0; at < whole.size(); at += at + 40 < whole.size() ? 37 : 1) {
+    for (std::size_t at = 0; at < whole.size(); at += at + 60 < whole.size() ? 241 : 1) {
         std::string changed = whole;
         changed[at] = static_cast<char>(changed[at] ^ 1 << at % 8);
         ASSERT_THAT(faultOf(changed), HasSubstr("damaged")) << at;
@@ -105,8 +105,7 @@ TEST_F(CheckpointFile, isRefusedCutOrChangedAnywhere) {
 TEST_F(CheckpointFile, hasAChecksumOverEachFieldAndOverTheNumbers) {
     const std::string unsealed = whole.substr(0, whole.rfind("\nnorvane CRC"));
     const auto faultOfSealed = [&](const std::string& bytes) {
-        test.write(fileName, bytes);
-        EXPECT_TRUE(sealFile(fileName));
+        EXPECT_TRUE(writeSealed(fileName, bytes));
         return faultOf(test.read(fileName));
     };
     ASSERT_EQ(faultOfSealed(unsealed), "");
@@ -119,17 +118,23 @@ TEST_F(CheckpointFile, hasAChecksumOverEachFieldAndOverTheNumbers) {
         changed[at + 5] = static_cast<char>(changed[at + 5] ^ 4);
         EXPECT_EQ(faultOfSealed(changed), std::string(field.name) + " is damaged: its checksum does not fit");
     }
-    std::string changed = unsealed;
-    changed.replace(changed.find("norvane 9.9"), 11, "norvane 9.8");
-    EXPECT_THAT(faultOfSealed(changed), HasSubstr("damaged"));
+    NetcdfFile file = NetcdfFile::createInMemory(1000);
+    file.setNumber(NetcdfFile::wholeFile, "checkpoint_format", std::int32_t{1});
+    file.setNumber(NetcdfFile::wholeFile, "arithmetic", arithmeticVersion);
+    for (const char* name : {"step", "first_step", "stop_step", "after_outputs"})
+        file.setNumber(NetcdfFile::wholeFile, name, std::int32_t{1});
+    for (const char* name : {"program", "table_sha256", "model_crc64", "radiation_crc64", "spectrum_random", "settings",
+                             "positions", "header_crc64"})
+        file.setText(NetcdfFile::wholeFile, name, "0");
+    EXPECT_THAT(faultOfSealed(std::string(file.closeToMemory().view())), HasSubstr("damaged"));
 }
 
 TEST_F(CheckpointFile, isRefusedForAnotherGridOrVersion) {
     const auto faultOfVersions = [&](std::int32_t format, std::int32_t arithmetic) {
-        NetcdfFile file = NetcdfFile::create("v.nc");
+        NetcdfFile file = NetcdfFile::createInMemory(1000);
         if (format > 0) file.setNumber(NetcdfFile::wholeFile, "checkpoint_format", format);
         file.setNumber(NetcdfFile::wholeFile, "arithmetic", arithmetic);
-        EXPECT_TRUE(file.close() && sealFile("v.nc"));
+        EXPECT_TRUE(writeSealed("v.nc", file.closeToMemory().view()));
         return faultOf(test.read("v.nc"));
     };
     EXPECT_EQ(faultOfVersions(0, 1), "it is no checkpoint of a run");
@@ -153,7 +158,7 @@ TEST(runMemory, fingerprintsSeeEveryChangeOfAModel) {
         return modelFingerprint(test.sim);
     };
     const std::uint64_t plain = printOf("DT 1E-5");
-    EXPECT_EQ(printOf("a label DT 1E-5"), plain);
+    EXPECT_EQ(printOf("zzz DT 1E-5"), plain);
     for (const char* keys :
          {"DT 2E-5", "DT 1E-5:TR 7", "DT 1E-5:GG 1;1", "DT 1E-5:VV 1;1", "DT 1E-5:ET 1", "DT 1E-5:WT -1",
           "DT 1E-5:RH 2", "DT 1E-5:WP 1", "DT 1E-5:CP 7", "DT 1E-5:RR 7", "DT 1E-5:GP 5;1"})

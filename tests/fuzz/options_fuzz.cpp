@@ -1,5 +1,6 @@
 // Command lines of any words, one to a line, in a folder with a small geometry. The program's own main is called.
 
+#include "frontends/cli/command_line.h"
 #include "fuzz_folder.h"
 
 #include <algorithm>
@@ -7,15 +8,13 @@
 #include <string>
 #include <vector>
 
-int norvaneMain(int argc, char** argv); // that of the program
-
 using namespace norvane;
 
 namespace {
 
 /// What would leave the folder, start another program, end the process, or take minutes.
 bool mayBeTried(const std::string& word) {
-    for (const char* const part : {"/", "\\", "script", "--m", "-m"})
+    for (const char* const part : {"/", "\\", "script", "--m", "-m", "--time"})
         if (word.find(part) != std::string::npos) return false;
     const auto digits = std::count_if(word.begin(), word.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
     const bool isTime = word.find_first_of("eE") != std::string::npos && word.find_first_of("0123456789") == 0;
@@ -40,7 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t len
     for (std::string& word : words) arguments.push_back(word.data());
     const auto count = static_cast<int>(arguments.size());
     arguments.push_back(nullptr);
-    const int status = norvaneMain(count, arguments.data());
+    const int status = programMain(count, arguments.data());
     require(status >= 0 && status <= 5, "the status is one of those that are told");
     require(bytesOf("m.gmt") == smallTable, "no command writes over the geometry");
     return 0;

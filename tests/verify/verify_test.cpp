@@ -15,8 +15,9 @@ namespace {
 using testing::HasSubstr;
 
 /// Four cells in two rows, of 1 and 3 m along dimension 1; nothing moves.
-const char* const square = "DT 0.5:NT 2:RH 1:TT 300:PP 1E5:ET 0:LA 0\t\nL\t\nTT 301:WV 0;2:DD -1;1\tTT 302:WV 0;2:DD -1;3\n"
-                           "TT 303:WV 0;2\tTT 304:WV 0;2\nL\t\n";
+const char* const square =
+    "DT 0.5:NT 2:RH 1:TT 300:PP 1E5:ET 0:LA 0\t\nL\t\nTT 301:WV 0;2:DD -1;1\tTT 302:WV 0;2:DD -1;3\n"
+    "TT 303:WV 0;2\tTT 304:WV 0;2\nL\t\n";
 
 const std::string beginning = "title a case\ngrid one\n  drawing m.gmt\n  with N = 4\n  cells row = A3:B3\n";
 
@@ -48,7 +49,7 @@ TEST(verifyExpressions, giveNumbersOfCellsTablesAndCounters) {
         {"first(cells, x) + last(cells, x)", 1},
         {"sum(cells where i == 0, along(cells where i == 1, j, T, j) - T)", 2},
         {"along(cells where j == 0, x, T, 0.25)", 301.25},
-        {"sum(known, y * along(row, x, T, y))", 0.5 * 301.5 + 301},
+        {"sum(known, y * along(row, x, T, y))", 0.5 * 301.5 + 302},
         {"largest(known where y > 0, value)", 7},
         {"along(known, y, value, 0.75)", 5},
         {"series(m, 1, 4, m ^ 2) + series(x, 1, N, x * mean(cells, x))", 30 + 5},
@@ -138,7 +139,7 @@ TEST(verifyCases, ofAnyBytesAreReadOrRefused) {
           " within 1, -\n between 0, 1\n order 1, 2 with N\n";
     TestProgram test;
     std::mt19937 random(1);
-    for (int turn = 0; turn < 1000; ++turn) {
+    for (int turn = 0; turn < 500; ++turn) {
         std::string bytes = whole;
         for (int change = 0; change < 1 + turn % 4; ++change) {
             const std::size_t at = random() % bytes.size();

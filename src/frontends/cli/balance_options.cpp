@@ -2,6 +2,7 @@
 
 #include "frontends/cli/balance_options.h"
 
+#include "core/remainders.h"
 #include "exchange/balance_file.h"
 #include "exchange/row_file.h"
 #include "frontends/cli/json_text.h"
@@ -126,7 +127,7 @@ std::vector<std::string> report(const Balances& balances) {
     for (const std::string& line : balanceLines(*balances.sim, *balances.plan, balances.balance))
         lines.push_back("  " + line);
     for (const std::string& line :
-         lostChangeLines(*balances.sim, *balances.plan, balances.lost, balances.measured, false))
+         lostChangeLines(*balances.sim, *balances.plan, balances.lost, balances.measured, hasRemainders(*balances.sim)))
         lines.push_back("  " + line);
     return lines;
 }
@@ -147,15 +148,27 @@ std::vector<NamedValue> lastRow(const Balances& balances) {
     return row;
 }
 
-/// "LENGTH MEASURED" and four numbers for each quantity, to the bit.
+/// Calls `take` for all numbers that a run which goes on needs to end as one that was never stopped. The latest balance
+/// is among them, since a checkpoint is taken between the stages of a step and its outputs.
+template <class Kept, class Take>
+void forNumbers(Kept& balances, const Take& take) {
+    for (auto& q : balances.lost)
+        for (auto* const value : {&q.moved, &q.lost, &q.kept, &q.lostCells}) take(*value);
+    take(balances.balance.dt);
+    for (auto& flow : balances.balance.flows) take(flow);
+    for (auto& q : balances.balance.quantities)
+        for (auto* const value : {&q.content, &q.change, &q.moved, &q.lost, &q.kept, &q.lostCells}) take(*value);
+}
+
+/// "LENGTH MEASURED STEP" and the numbers, to the bit. Of step 0 there is no balance.
 std::string position(const Balances& balances) {
-    std::string text = std::to_string(balances.file.length) + " " + std::to_string(balances.measured);
-    for (const LostChange& q : balances.lost)
-        for (const double value : {q.moved, q.lost, q.kept, q.lostCells}) {
-            char digits[32];
-            const auto end = std::to_chars(digits, digits + sizeof digits, value);
-            text.append(1, ' ').append(digits, end.ptr);
-        }
+    std::string text = std::to_string(balances.file.length) + " " + std::to_string(balances.measured) + " "
+                       + std::to_string(balances.balance.step);
+    forNumbers(balances, [&](double value) {
+        char digits[32];
+        const auto end = std::to_chars(digits, digits + sizeof digits, value);
+        text.append(1, ' ').append(digits, end.ptr);
+    });
     return text;
 }
 
@@ -167,15 +180,22 @@ bool takeNumber(std::string_view& text, Number& number) {
     return read.ec == std::errc();
 }
 
+bool takePosition(Balances& balances, std::string_view text, std::int64_t& length) {
+    bool isRead =
+        takeNumber(text, length) && takeNumber(text, balances.measured) && takeNumber(text, balances.balance.step);
+    if (isRead && balances.balance.step != 0) {
+        balances.balance.flows.resize(balances.plan->channels.size());
+        balances.balance.quantities.resize(balances.plan->boxCells.size());
+    }
+    forNumbers(balances, [&](double& value) { isRead = isRead && takeNumber(text, value); });
+    return isRead && length >= 0 && balances.measured >= 0 && balances.balance.step >= 0;
+}
+
 std::string goOn(Balances& balances, const RunContext& run, std::string_view position) {
     if (!makePlan(balances, run)) return {};
     const std::string name = nameOf(balances.file.path);
     std::int64_t length = -1;
-    bool isRead = takeNumber(position, length) && takeNumber(position, balances.measured) && balances.measured >= 0;
-    for (LostChange& q : balances.lost)
-        for (double* const value : {&q.moved, &q.lost, &q.kept, &q.lostCells})
-            isRead = isRead && takeNumber(position, *value);
-    if (!isRead || length < 0) return "the position in " + name + " is damaged";
+    if (!takePosition(balances, position, length)) return "the position in " + name + " is damaged";
     RowFileContent old;
     const FileResult read = lookAt(balances.file, old);
     if (!read) return name + " can't be read: " + read.reason;

@@ -17,6 +17,10 @@ int exportGeometry(const ExportOptions& options) {
     }
 #endif
     if (isTable && !mayExportTable(options)) return exitBadUse;
+    if (!isTable && options.output == "-") {
+        std::fprintf(stderr, "-o: a file of frames can't go to standard output; name a file\n");
+        return exitBadUse;
+    }
     Console console;
     connectConsole(console);
     ExitStatus status = loadFor(console, options.geometry);

@@ -8,8 +8,8 @@
 #include "platform/files.h"
 #include "platform/sealed_file.h"
 
+#include <algorithm>
 #include <cmath>
-#include <memory>
 #include <utility>
 
 namespace norvane {
@@ -159,7 +159,14 @@ bool finishCheckpoints(ConsoleRun& run) {
 
 SimState& simOf(ConsoleRun& run) { return run.console.program.sim; }
 
-void complain(ConsoleRun& run, const std::string& line) { contextOf(run).complain(line); }
+void complain(ConsoleRun& run, std::string_view text) {
+    const RunContext context = contextOf(run);
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        context.complain(std::string(line));
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+    }
+}
 
 std::string logPath(const SimState& sim) { return joinPath(sim.inputDir, sim.baseName + "_log"); }
 
@@ -168,6 +175,7 @@ std::vector<NamedText> settingsOf(const ConsoleRun& run) {
     std::vector<NamedText> settings;
     if (options.plotEvery > 0) settings.push_back({"--plot-every", std::to_string(options.plotEvery)});
     if (options.frameEvery > 0) settings.push_back({"--snapshots", std::to_string(options.frameEvery)});
+    if (options.compensated) settings.push_back({"--compensated", ""});
     if (options.radiation) settings.push_back({"--radiation", ""});
     for (const RunExtra& extra : run.extras)
         if (extra.name != checkpointExtra)

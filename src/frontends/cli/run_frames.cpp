@@ -70,7 +70,7 @@ std::string RunFrames::prepare(const RunContext& run) {
     if (!fault.empty() || !options_.append || !info.isOurs || info.times.steps.empty()) return fault;
     fault = faultOfAppend(run, info);
     goesOn_ = fault.empty();
-    return fault.empty() ? fault : "--append: " + fault + "\nWithout --append the frames are replaced.";
+    return fault.empty() ? fault : "--append: " + fault + ". Without --append the frames are replaced";
 }
 
 /// What speaks against going on with the frames that are there.
@@ -137,7 +137,7 @@ void RunFrames::complain(const RunContext& run, std::int32_t step, const std::st
     if (told_) return;
     told_ = true;
     run.complain("The frame of step " + std::to_string(step) + " can't be written to " + nameOf(path_) + ": " + reason
-                 + ".\nThe run goes on without it.");
+                 + ". The run goes on without it.");
 }
 
 void RunFrames::tellFaults(const RunContext& run) {

@@ -3,8 +3,8 @@
 #include "core/sim_state.h"
 #include "frontends/cli/balance_options.h"
 #include "frontends/cli/command_options.h"
-#include "frontends/cli/probe_options.h"
 #include "frontends/cli/frame_options.h"
+#include "frontends/cli/probe_options.h"
 #include "frontends/cli/run_command.h"
 #include "frontends/cli/steady_options.h"
 
@@ -53,8 +53,9 @@ Command addRun(CLI::App& app) {
     run->add_option("--threads", options.threads, "threads of the computation; the results are the same for any number")
         ->type_name("N")
         ->check(CLI::Range(1, maxThreads));
-    run->add_flag("--compensated", options.compensated,
-                  "carry what single precision rounds away on to the next step; other results, closer to the equations");
+    run->add_flag(
+        "--compensated", options.compensated,
+        "carry what single precision rounds away on to the next step; other results, closer to the equations");
     run->add_option("--movie", options.movie, "make a film of these pictures, such as m.mp4, with ffmpeg")
         ->type_name("FILE")
         ->needs("--snapshots");

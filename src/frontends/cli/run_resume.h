@@ -5,6 +5,7 @@
 #include "frontends/cli/run_console.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace norvane {
@@ -13,7 +14,8 @@ constexpr const char* checkpointExtra = "--checkpoint-every"; ///< the name of i
 constexpr const char* logPositionName = "log";
 
 SimState& simOf(ConsoleRun& run);
-void complain(ConsoleRun& run, const std::string& line);
+/// Prints lines to standard error.
+void complain(ConsoleRun& run, std::string_view text);
 std::string logPath(const SimState& sim);
 
 /// Options that shape what the files of a run hold, beside the table.

@@ -12,8 +12,7 @@ int writeSpectrumOf(const SpectrumOptions& options) {
     SimState& sim = console.program.sim;
     ExitStatus status = loadFor(console, options.geometry);
     const std::string output = options.output.empty() ? joinPath(sim.inputDir, "NV_spectrum") : options.output;
-    if (status == exitDone && wouldOverwrite(options.geometry, output))
-        return exitBadUse;
+    if (status == exitDone && wouldOverwrite(options.geometry, output)) return exitBadUse;
     if (status == exitDone) status = standModel(console, options.state);
     if (status != exitDone) return status;
     return writeSpectrum(sim, console.program.ui, options.points, output) ? exitDone : exitFileFault;
