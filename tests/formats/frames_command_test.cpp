@@ -7,7 +7,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <thread>
 
 namespace norvane {
 namespace {
@@ -93,6 +99,37 @@ TEST(framesCommand, goesOnWithTheFramesOfAnEarlierRun) {
     EXPECT_THAT(later.out, HasSubstr("has frames up to step 48, and the saved state is that of step 40"));
     EXPECT_EQ(runProgram("run m.gmt --frames 20 --frames-fields T").status, 0); // replaces them
     EXPECT_EQ(stepsOf("m_frames.nc"), (std::vector<std::int32_t>{0, 20}));
+}
+
+/// Starts a run in the folder `out`, and ends it when its first checkpoint is there.
+void interrupt(const TestProgram& test, int signal) {
+    const pid_t process = ::fork();
+    if (process == 0) {
+        ::execl(NORVANE_PROGRAM, NORVANE_PROGRAM, "run", "-q", "m.gmt", "-o", "out", "--frames", "150",
+                "--checkpoint-every", "100", nullptr);
+        ::_exit(127);
+    }
+    for (int turn = 0; turn < 2000 && !test.exists("out/m_checkpoint.nc"); ++turn)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    ::kill(process, signal);
+    ::waitpid(process, nullptr, 0);
+}
+
+TEST(framesCommand, areTheSameBytesAfterAResume) {
+    TestProgram test;
+    test.write("m.gmt", "DT 1E-6:NT 3000:UT 0\t\t\nL\t\t\nTT 400\t\t\n\t\t\nL\t\t\n");
+    const std::string options = " --frames 150 --checkpoint-every 100";
+    ASSERT_EQ(runProgram("run m.gmt -o whole" + options).status, 0);
+    EXPECT_EQ(stepsOf("whole/m_frames.nc").size(), 21U);
+    for (const int signal : {SIGKILL, SIGINT}) {
+        std::filesystem::remove_all("out");
+        interrupt(test, signal);
+        EXPECT_LT(stepsOf("out/m_frames.nc").size(), 21U) << "the run came to its end";
+        const Outcome resumed = runProgram("run m.gmt -o out --resume" + options);
+        EXPECT_EQ(resumed.status, 0) << resumed.out;
+        EXPECT_TRUE(test.read("out/m_frames.nc") == test.read("whole/m_frames.nc")) << signal;
+        EXPECT_TRUE(test.read("out/m_frames.xdmf") == test.read("whole/m_frames.xdmf")) << signal;
+    }
 }
 
 TEST(framesCommand, outlivesADiscWithoutRoom) {

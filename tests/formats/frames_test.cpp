@@ -3,11 +3,13 @@
 #include "core/run_driver.h"
 #include "formats/frame_series.h"
 #include "formats/frame_writer.h"
+#include "platform/file_faults.h"
 #include "platform/files.h"
 #include "support/test_program.h"
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstring>
 
 namespace norvane {
@@ -152,6 +154,49 @@ TEST(frames, staysWholeForAReaderWhoKeepsItOpen) {
     FrameFileInfo info;
     EXPECT_EQ(readFrameFile(s.path, info), "");
     EXPECT_EQ(info.times.steps.size(), 6U);
+}
+
+int operations = 0;
+int failing = -1;
+
+FileFault failAt(FileOperation) { return {operations++ == failing ? EIO : 0}; }
+
+TEST(frames, areWholeAfterAFaultOfEachOperation) {
+    Series s("T");
+    const Frame frame = s.frame();
+    const auto numbered = [&](std::int32_t step) {
+        Frame next = frame;
+        next.step = step;
+        return next;
+    };
+    int count = 1;
+    int faults = 0;
+    for (failing = -1; failing < count; ++failing) {
+        SCOPED_TRACE(failing);
+        removeFile(s.path);
+        operations = 0;
+        setFileFaults(failAt);
+        FrameSeries series(s.path, s.layout);
+        std::vector<std::int32_t> steps{0};
+        if (!series.begin(s.test.sim, s.origin, numbered(0)).empty()) {
+            ++faults;
+            EXPECT_EQ(series.begin(s.test.sim, s.origin, numbered(0)), "");
+        }
+        for (std::int32_t step = 1; step < 4; ++step) {
+            const Frame next = numbered(step);
+            const std::string fault = series.add(std::span(&next, 1));
+            if (fault.empty()) steps.push_back(step);
+            faults += fault.empty() ? 0 : 1;
+        }
+        EXPECT_EQ(series.end(s.test.sim, s.origin), "");
+        count = operations;
+        setFileFaults(nullptr);
+        FrameFileInfo info;
+        EXPECT_EQ(readFrameFile(s.path, info), "");
+        EXPECT_EQ(info.times.steps, steps);
+        EXPECT_GE(steps.size(), 3U);
+    }
+    EXPECT_GT(faults, 8);
 }
 
 TEST(frames, ofAFileThatIsNotOursAreNotRead) {
