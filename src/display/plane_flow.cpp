@@ -71,12 +71,15 @@ Point metresAt(const Tracer& tracer, const Place& place) {
     return {edges.left + across * (edges.right - edges.left), edges.top + down * (edges.bottom - edges.top)};
 }
 
+std::size_t numberOf(const Tracer& tracer, int column, int row) {
+    return static_cast<std::size_t>(row) * static_cast<std::size_t>(tracer.binColumns)
+           + static_cast<std::size_t>(column);
+}
+
 std::size_t binOf(const Tracer& tracer, Point at) {
     const auto column = static_cast<int>((at.x - tracer.plane.across.low) / tracer.distance);
     const auto row = static_cast<int>((at.y - tracer.plane.down.low) / tracer.distance);
-    return static_cast<std::size_t>(std::clamp(row, 0, tracer.binRows - 1))
-               * static_cast<std::size_t>(tracer.binColumns)
-           + static_cast<std::size_t>(std::clamp(column, 0, tracer.binColumns - 1));
+    return numberOf(tracer, std::clamp(column, 0, tracer.binColumns - 1), std::clamp(row, 0, tracer.binRows - 1));
 }
 
 bool isGas(const Tracer& tracer, const Place& place) {
@@ -133,7 +136,7 @@ bool isFree(const Tracer& tracer, std::size_t bin) {
     const int row = static_cast<int>(bin) / tracer.binColumns;
     for (int j = std::max(row - 1, 0); j <= std::min(row + 1, tracer.binRows - 1); ++j)
         for (int i = std::max(column - 1, 0); i <= std::min(column + 1, tracer.binColumns - 1); ++i)
-            if (tracer.lineOfBin[static_cast<std::size_t>(j * tracer.binColumns + i)] != 0) return false;
+            if (tracer.lineOfBin[numberOf(tracer, i, j)] != 0) return false;
     return true;
 }
 

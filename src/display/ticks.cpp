@@ -71,10 +71,12 @@ Ticks linearTicks(Range range, int most) {
     const double largest = std::max(std::abs(range.low), std::abs(range.high));
     if (largest >= 1e6 || largest < 1e-2) ticks.exponent = static_cast<int>(std::floor(std::log10(largest) / 3)) * 3;
     const int decimals = ticks.exponent - step.exponent;
-    for (double k = first(); k <= last(); ++k) {
-        ticks.places.push_back(k * step.value());
-        ticks.labels.push_back(
-            fixedText(k == 0 ? 0 : k * step.digit * powerOfTen(step.exponent - ticks.exponent), decimals));
+    const auto count = static_cast<int>(last() - first() + 1);
+    for (int k = 0; k < count; ++k) {
+        const double multiple = first() + k;
+        ticks.places.push_back(multiple * step.value());
+        const double shown = multiple * step.digit * powerOfTen(step.exponent - ticks.exponent);
+        ticks.labels.push_back(fixedText(multiple == 0 ? 0 : shown, decimals)); // no "-0"
     }
     return ticks;
 }

@@ -103,9 +103,9 @@ void drawHead(const Canvas& canvas, double left, const std::string& title, const
     const double room = canvas.width - left - 8;
     const Lettering heading{inkColor, titleSize, true, TextAnchor::start, false};
     const Lettering below{faintInkColor, labelSize, false, TextAnchor::start, false};
-    double y = 8;
-    if (!title.empty()) canvas.write(fitted(canvas, title, heading, room), {left, y += 17}, heading);
-    if (!subtitle.empty()) canvas.write(fitted(canvas, subtitle, below, room), {left, y += 18}, below);
+    const double first = title.empty() ? 8 : 25;
+    if (!title.empty()) canvas.write(fitted(canvas, title, heading, room), {left, first}, heading);
+    if (!subtitle.empty()) canvas.write(fitted(canvas, subtitle, below, room), {left, first + 18}, below);
 }
 
 std::string fitted(const Canvas& canvas, const std::string& text, const Lettering& lettering, double room) {

@@ -245,8 +245,8 @@ void drawFigure(const SimState& sim, const FieldFigure& figure, const Canvas& ca
     drawHead(canvas, std::min(sizes.left, canvas.width / 4), figure.title, figure.subtitle);
     if (!(sizes.width > 0 && sizes.height > 0)) return;
     for (std::size_t k = 0; k < figure.panels.size(); ++k) {
-        const auto column = static_cast<double>(k % static_cast<std::size_t>(sizes.columns));
-        const auto row = static_cast<double>(k / static_cast<std::size_t>(sizes.columns));
+        const int column = static_cast<int>(k) % sizes.columns;
+        const int row = static_cast<int>(k) / sizes.columns;
         drawPanel(sim, figure, figure.panels[k], sizes, {column * sizes.panelWidth(), head + row * sizes.panelHeight()},
                   canvas);
     }

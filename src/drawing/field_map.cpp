@@ -172,7 +172,9 @@ void hatchHeld(const SimState& sim, const Plane& plane, const MapPlace& place, c
 
 void addHatching(std::vector<Point>& lines, Point low, Point high) {
     const double first = std::ceil((low.x + low.y) / hatchDistance) * hatchDistance;
-    for (double sum = first; sum < high.x + high.y; sum += hatchDistance) {
+    const auto count = static_cast<int>(std::ceil((high.x + high.y - first) / hatchDistance));
+    for (int k = 0; k < count; ++k) {
+        const double sum = first + k * hatchDistance;
         const double left = std::max(low.x, sum - high.y);
         const double right = std::min(high.x, sum - low.y);
         if (right > left) addLine(lines, {left, sum - left}, {right, sum - right});

@@ -29,7 +29,8 @@ FileResult lookAt(const RowFile& file, RowFileContent& content) {
     std::string text;
     FileResult read = readBeginning(file.path, file.header.size(), text);
     if (!read) return read;
-    content.isTable = std::string_view(text).substr(0, firstColumn.size()) == firstColumn;
+    // A run that was killed while it began the file may have left less than the first column: nothing to lose.
+    content.isTable = std::string_view(text).substr(0, firstColumn.size()) == firstColumn.substr(0, text.size());
     content.isSame = text == file.header;
     if (!content.isSame) return {};
     constexpr std::size_t numberLength = 24; // with its comma

@@ -19,7 +19,7 @@ struct RowFile {
 /// What a file of that name holds already.
 struct RowFileContent {
     bool exists = false;         ///< and is not empty
-    bool isTable = false;        ///< begins with "step,"
+    bool isTable = false;        ///< begins with "step,", or is the beginning of that
     bool isSame = false;         ///< has this header
     std::int64_t lastStep = -1;  ///< of its last whole row; -1: it has none
     std::int64_t wholeBytes = 0; ///< up to the end of that row: what follows was cut by a crash

@@ -185,7 +185,9 @@ OverwriteResult overwrite(std::FILE* file, std::string_view content) {
     errno = 0;
     if (firstCharacter(file) == mark && !finishKilled(file)) return failed(errno, FileHolds::oldContent);
     const std::optional<Copy> left = findCopy(file); // by a kill between the mark's end and the cut
-    const std::int64_t oldLength = left ? left->begin : lengthOf(file);
+    // Or its last line would stay the last one behind a shorter copy, and hide that.
+    if (left && !cutTo(file, left->begin)) return failed(errno, FileHolds::oldContent);
+    const std::int64_t oldLength = lengthOf(file);
     if (oldLength < 0) return failed(errno, FileHolds::oldContent);
     // What is marked still had no whole copy: there is no content to keep.
     if (oldLength == 0 || firstCharacter(file) == mark) return writeFirst(file, content);

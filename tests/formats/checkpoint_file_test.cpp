@@ -118,11 +118,15 @@ TEST_F(CheckpointFile, hasAChecksumOverEachFieldAndOverTheNumbers) {
         changed[at + 5] = static_cast<char>(changed[at + 5] ^ 4);
         EXPECT_EQ(faultOfSealed(changed), std::string(field.name) + " is damaged: its checksum does not fit");
     }
-    test.write(fileName, unsealed);
-    NetcdfFile file = NetcdfFile::openToAppend(fileName);
-    file.setNumber(NetcdfFile::wholeFile, "step", std::int32_t{124});
-    ASSERT_TRUE(file.close());
-    EXPECT_THAT(faultOfSealed(test.read(fileName)), HasSubstr("damaged"));
+    NetcdfFile file = NetcdfFile::createInMemory(1000);
+    file.setNumber(NetcdfFile::wholeFile, "checkpoint_format", std::int32_t{1});
+    file.setNumber(NetcdfFile::wholeFile, "arithmetic", arithmeticVersion);
+    for (const char* name : {"step", "first_step", "stop_step", "after_outputs"})
+        file.setNumber(NetcdfFile::wholeFile, name, std::int32_t{1});
+    for (const char* name : {"program", "table_sha256", "model_crc64", "radiation_crc64", "spectrum_random", "settings",
+                             "positions", "header_crc64"})
+        file.setText(NetcdfFile::wholeFile, name, "0");
+    EXPECT_THAT(faultOfSealed(std::string(file.closeToMemory().view())), HasSubstr("damaged"));
 }
 
 TEST_F(CheckpointFile, isRefusedForAnotherGridOrVersion) {

@@ -14,7 +14,7 @@ namespace {
 
 /// What would leave the folder, start another program, end the process, or take minutes.
 bool mayBeTried(const std::string& word) {
-    for (const char* const part : {"/", "\\", "script", "--m", "-m"})
+    for (const char* const part : {"/", "\\", "script", "--m", "-m", "--time"})
         if (word.find(part) != std::string::npos) return false;
     const auto digits = std::count_if(word.begin(), word.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
     const bool isTime = word.find_first_of("eE") != std::string::npos && word.find_first_of("0123456789") == 0;

@@ -1,5 +1,6 @@
 // A file that is overwritten in place: another process reads the old content or the new one.
 
+#include "platform/file_faults.h"
 #include "platform/safe_file.h"
 #include "support/test_program.h"
 
@@ -49,6 +50,56 @@ TEST(safeFile, isNeverAMixtureForAnotherProcess) {
     ::kill(writer, SIGKILL);
     ::waitpid(writer, nullptr, 0);
     EXPECT_TRUE(met.count('a') > 0 && met.count('b') > 0 && disturbedEver) << "the reads met no save";
+}
+
+int operationsLeft = 0;
+
+FileFault killInTime(FileOperation operation) {
+    if (operationsLeft-- == 0) ::raise(SIGKILL);
+    return {0, operationsLeft == 0 && operation == FileOperation::write ? 3 : SIZE_MAX};
+}
+
+/// Gives whether the overwrite was killed before it had made so many operations.
+bool overwriteKilledAt(int operation, const std::string& content) {
+    const pid_t process = ::fork();
+    if (process == 0) {
+        operationsLeft = operation;
+        setFileFaults(killInTime);
+        overwriteFile("f", content);
+        ::_exit(0);
+    }
+    int status = 0;
+    ::waitpid(process, &status, 0);
+    return WIFSIGNALED(status);
+}
+
+std::string contentOf(const std::string& path) {
+    std::string content;
+    bool ignored = false;
+    const auto take = [&](std::string_view piece) {
+        content += piece;
+        return true;
+    };
+    return readWholeFile(path, {[&] { content.clear(); }, take}, ignored) ? content : "";
+}
+
+TEST(safeFile, outlivesTwoKillsInARowWhateverTheLengths) {
+    TestProgram test{std::filesystem::is_directory("/dev/shm") ? "/dev/shm" : ""}; // not thousands of flushes of a disc
+    const std::string contents[] = {"old" + std::string(500, 'o') + "\n", "first" + std::string(700, '1') + "\n",
+                                    "second" + std::string(300, '2') + "\n"};
+    int kills = 0;
+    for (int first = 0; first < 25; ++first) {
+        for (int second = 0; second < 25; ++second) {
+            test.write("f", contents[0]);
+            kills += overwriteKilledAt(first, contents[1]) ? 1 : 0;
+            kills += overwriteKilledAt(second, contents[2]) ? 1 : 0;
+            const std::string met = contentOf("f");
+            const std::string line = met.substr(0, met.find('\n') + 1); // behind it may be what a reader passes over
+            ASSERT_TRUE(line == contents[0] || line == contents[1] || line == contents[2])
+                << "kills at " << first << " and " << second << " leave \"" << met << "\"";
+        }
+    }
+    EXPECT_GT(kills, 200);
 }
 
 } // namespace

@@ -172,8 +172,8 @@ ExitStatus plotHistory(const PlotOptions& options, const SimState& sim) {
     if (!chooseColumns(options, table, chosen)) return exitBadUse;
     LineChart chart = historyChart(table, chosen);
     chart.title = sim.baseName;
-    chart.subtitle =
-        "Probes, to step " + generalText(table.steps.back()) + ", t = " + generalText(table.times.back()) + " s";
+    chart.subtitle = "Probes, to step " + generalText(table.steps.back())
+                     + ", t = " + generalText(static_cast<float>(table.times.back())) + " s";
     return writeChart(options, chart);
 }
 

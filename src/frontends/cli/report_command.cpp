@@ -74,8 +74,9 @@ std::vector<double> contourLevels(Range range, bool isLog, int count) {
 bool takePanel(const PlotOptions& options, const ScaleChoice& choice, FieldPanel& panel) {
     const std::optional<Range> range = rangeOver(panel.values, choice);
     if (!range) {
-        std::fprintf(stderr, "%s: the plane has no value that can be shown%s\n", panel.label.c_str(),
-                     choice.isLog ? " on a logarithmic scale" : "");
+        const char* const hint =
+            choice.isLog ? " on a logarithmic scale" : "; where it is all wall, --slice takes another";
+        std::fprintf(stderr, "%s: the plane has no value that can be shown%s\n", panel.label.c_str(), hint);
         return false;
     }
     const std::string table = !options.colors.empty() ? options.colors : choice.isSymmetric ? "coolwarm" : "viridis";
