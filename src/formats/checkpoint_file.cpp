@@ -43,11 +43,14 @@ std::vector<NamedText> listOf(std::string_view lines) {
     return list;
 }
 
-/// Carries the attributes of a checkpoint to its file or back; `text` is what their checksum is of.
-struct Header {
+/// Carries the texts and numbers of a checkpoint to its file or back; `text` is what their checksum is of.
+class Header {
+public:
     NetcdfFile& file;
     bool writes;
-    std::string text{};
+    std::string text;
+
+    Header(NetcdfFile& checkpointFile, bool isWritten) : file(checkpointFile), writes(isWritten) {}
 
     void note(const char* name, const std::string& value) { text += std::string(name) + '=' + value + '\n'; }
 
@@ -76,16 +79,42 @@ struct Header {
         if (!writes) value = std::strtoull(digits.c_str(), nullptr, 16);
     }
 
+    /// As bytes of a variable: attributes of files that are made in memory end at 64 kB, and a position may be longer.
     void carry(const char* name, std::vector<NamedText>& value) {
         std::string lines = linesOf(value);
-        carry(name, lines);
+        if (writes)
+            writeBytes(name, lines + '\n'); // at least one, since a dimension without a length would grow
+        else
+            lines = readBytes(name);
+        note(name, lines);
         if (!writes) value = listOf(lines);
     }
+
+private:
+    void writeBytes(const std::string& name, const std::string& bytes) {
+        const int length = file.addDimension(name + "_length", bytes.size());
+        const int variable = file.addVariable<std::int8_t>(name, {{length}, {}, 0});
+        file.write(variable, {0}, {bytes.size()}, reinterpret_cast<const std::int8_t*>(bytes.data()));
+    }
+
+    std::string readBytes(const std::string& name) {
+        const int variable = file.variable(name);
+        const std::vector<std::size_t> shape = file.shape(variable);
+        if (file.ok() && (shape.size() != 1 || shape[0] == 0 || shape[0] > longestBytes))
+            file.fail(name + " is no text");
+        if (!file.ok()) return {};
+        std::string bytes(shape[0], '\0');
+        file.read(variable, {0}, shape, reinterpret_cast<std::int8_t*>(bytes.data()));
+        bytes.pop_back();
+        return bytes;
+    }
+
+    static constexpr std::size_t longestBytes = std::size_t{1} << 30;
 };
 
 /// Gives the text that the checksum of the header is of.
 std::string carryHeader(NetcdfFile& file, bool writes, Checkpoint& checkpoint) {
-    Header header{file, writes};
+    Header header(file, writes);
     std::int32_t afterOutputs = checkpoint.afterOutputs ? 1 : 0;
     header.carry("program", checkpoint.program);
     header.carry("step", checkpoint.step);

@@ -161,7 +161,9 @@ TEST_F(Resumed, leavesTheFilesOfARunThatNeverStopped) {
             std::vector<std::string> options = {"--checkpoint-every", "37", "--threads", std::to_string(part % 3 + 1)};
             if (part > 0) options.emplace_back("--resume");
             Checkpoint reached;
-            if (part > 0) ASSERT_EQ(readCheckpoint("m_checkpoint.nc", reached), "");
+            if (part > 0) {
+                ASSERT_EQ(readCheckpoint("m_checkpoint.nc", reached), "");
+            }
             if (stops[part] == "time")
                 options.insert(options.end(), {"--time", timeOf(std::min(reached.step + 50, steps))});
             const std::uint64_t before = stampOf("m_log").size;

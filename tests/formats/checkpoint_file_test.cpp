@@ -50,7 +50,7 @@ Checkpoint someNumbers() {
             1,
             42,
             {{"--plot-every", "5"}},
-            {{"log", "17"}, {"--probe", "a\tb"}, {"--none", ""}}};
+            {{"log", "17"}, {"--probe", "a\tb"}, {"--none", ""}, {"--long", std::string(70000, 'x')}}};
 }
 
 class CheckpointFile : public testing::Test {
@@ -123,9 +123,14 @@ TEST_F(CheckpointFile, hasAChecksumOverEachFieldAndOverTheNumbers) {
     file.setNumber(NetcdfFile::wholeFile, "arithmetic", arithmeticVersion);
     for (const char* name : {"step", "first_step", "stop_step", "after_outputs"})
         file.setNumber(NetcdfFile::wholeFile, name, std::int32_t{1});
-    for (const char* name : {"program", "table_sha256", "model_crc64", "radiation_crc64", "spectrum_random", "settings",
-                             "positions", "header_crc64"})
+    for (const char* name :
+         {"program", "table_sha256", "model_crc64", "radiation_crc64", "spectrum_random", "header_crc64"})
         file.setText(NetcdfFile::wholeFile, name, "0");
+    for (const char* name : {"settings", "positions"}) {
+        const int length = file.addDimension(std::string(name) + "_length", 1);
+        const std::int8_t end = '\n';
+        file.write(file.addVariable<std::int8_t>(name, {{length}, {}, 0}), {0}, {1}, &end);
+    }
     EXPECT_THAT(faultOfSealed(std::string(file.closeToMemory().view())), HasSubstr("damaged"));
 }
 
