@@ -117,7 +117,7 @@ bool takePanels(const PlotOptions& options, const SimState& sim, FieldFigure& fi
 
 bool hasExtent(Range range) { return std::isfinite(range.high - range.low) && range.high > range.low; }
 
-ExitStatus plotWholeLine(const PlotOptions& options, const SimState& sim) {
+ExitStatus plotWholeLine(const PlotOptions& options, SimState& sim, const PlotFrames& frames) {
     const bool asksForPlane = options.arrows || options.streamlines || options.contours > 0;
     if (asksForPlane) {
         std::fprintf(stderr,
@@ -126,7 +126,7 @@ ExitStatus plotWholeLine(const PlotOptions& options, const SimState& sim) {
     }
     CellLine line;
     for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) line.cells.push_back(cell);
-    return plotLines(options, sim, {line}, options.panels.empty() ? options.quantity : options.panels);
+    return plotLines(options, sim, frames, {line}, options.panels.empty() ? options.quantity : options.panels);
 }
 
 } // namespace
@@ -140,14 +140,18 @@ ExitStatus makeFigure(const PlotOptions& options, const SimState& sim, FieldFigu
     }
     const std::string slice = sliceText(sim, figure.plane);
     figure.title = options.hasTitle ? options.title : sim.graphTitle;
-    figure.subtitle = momentText(sim) + (slice.empty() ? "" : ", " + slice);
+    figure.subtitle = momentOf(options, sim) + (slice.empty() ? "" : ", " + slice);
     figure.fillsCanvas = options.stretch;
     figure.stretchAcross = double(sim.zoom[figure.plane.acrossDim]) / double(sim.zoom[figure.plane.downDim]);
     return takePanels(options, sim, figure) ? exitDone : exitBadUse;
 }
 
-ExitStatus plotReport(const PlotOptions& options, const SimState& sim) {
-    if (sim.nDim == 1) return plotWholeLine(options, sim);
+ExitStatus plotReport(const PlotOptions& options, SimState& sim, const PlotFrames& frames) {
+    if (sim.nDim == 1) return plotWholeLine(options, sim, frames);
+    if (frames.steps.size() > 1) {
+        std::fprintf(stderr, "--frame: a plane shows one step; several need --along\n");
+        return exitBadUse;
+    }
     FieldFigure figure;
     const ExitStatus status = makeFigure(options, sim, figure);
     if (status != exitDone) return status;
