@@ -133,7 +133,7 @@ TEST(charts, showTheirNumbersInTheFile) {
     }
     EXPECT_EQ(runProgram("plot m.gmt --history --quantity t -o h.svg").status, 0);
     const SvgFigure history(test.read("h.svg"));
-    EXPECT_TRUE(history.shows("A3:T") && history.shows("C3:T") && history.shows("T [K]")
+    EXPECT_TRUE(history.shows("A3:T") && history.shows("C3:T") && history.shows("Temperature [K]")
                 && !history.shows("B3:p [Pa]"));
     const std::vector<std::array<std::string, 2>> cases = {
         {"--along A3:B4", "--along: \"A3:B4\" is not two cells of the drawing"},

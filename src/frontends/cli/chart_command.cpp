@@ -208,10 +208,9 @@ ExitStatus plotHistory(const PlotOptions& options, const SimState& sim) {
     if (status != exitDone) return status;
     std::vector<std::size_t> chosen;
     if (!chooseColumns(options, table, chosen)) return exitBadUse;
-    LineChart chart = historyChart(table, chosen);
+    LineChart chart = historyChart(sim, table, chosen);
     chart.title = sim.baseName;
-    chart.subtitle = "Probes, to step " + generalText(table.steps.back())
-                     + ", t = " + generalText(static_cast<float>(table.times.back())) + " s";
+    chart.subtitle = "Probes, to step " + generalText(table.steps.back()) + ", t = " + shortText(table.times.back()) + " s";
     return writeChart(options, chart);
 }
 
