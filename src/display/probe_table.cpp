@@ -1,6 +1,7 @@
 #include "display/probe_table.h"
 
 #include "core/number_text.h"
+#include "display/shown_quantity.h"
 #include "platform/letter_case.h"
 
 #include <algorithm>
@@ -124,14 +125,30 @@ std::string takeRecord(const RecordReader& reader, ProbeTable& table) {
     return {};
 }
 
-/// The panel for a unit, with the name of the quantity as long as all of its lines show the same.
-ChartPanel& panelFor(LineChart& chart, const ProbeColumn& column) {
+/// The words that two labels begin with: "Velocity" of "Velocity x" and "Velocity y".
+std::string commonWords(const std::string& a, const std::string& b) {
+    constexpr std::string_view dangling = " of species"; // of "Mass fraction of species 0" and that of 1
+    if (a == b) return a;
+    std::string common;
+    for (std::size_t end = a.find(' '); end != std::string::npos; end = a.find(' ', end + 1))
+        if (b.compare(0, end, a, 0, end) == 0 && (b.size() == end || b[end] == ' ')) common = a.substr(0, end);
+    if (b.size() > a.size() && b.compare(0, a.size(), a) == 0 && b[a.size()] == ' ') common = a;
+    if (common.ends_with(dangling)) common.resize(common.size() - dangling.size());
+    return common;
+}
+
+/// The panel for a unit, named after what all of its lines show.
+ChartPanel& panelFor(const SimState& sim, LineChart& chart, const ProbeColumn& column) {
+    ShownQuantity shown;
+    shown.label = column.quantity;
+    shown.unit = column.unit;
+    chooseShown(sim, column.quantity, 0, shown); // of a table of another geometry names stay as they are
     for (ChartPanel& panel : chart.panels)
-        if (panel.unit == column.unit) {
-            if (panel.name != column.quantity) panel.name.clear();
+        if (panel.unit == shown.unit) {
+            panel.name = commonWords(panel.name, shown.label);
             return panel;
         }
-    chart.panels.push_back({column.quantity, column.unit, {}, false, {}, false});
+    chart.panels.push_back({shown.label, shown.unit, {}, false, {}, false});
     return chart.panels.back();
 }
 
@@ -152,7 +169,7 @@ std::string readProbes(const std::string& text, ProbeTable& table) {
     return fault;
 }
 
-LineChart historyChart(const ProbeTable& table, std::span<const std::size_t> chosen) {
+LineChart historyChart(const SimState& sim, const ProbeTable& table, std::span<const std::size_t> chosen) {
     LineChart chart;
     chart.across = "Time";
     chart.acrossUnit = "s";
@@ -166,10 +183,10 @@ LineChart historyChart(const ProbeTable& table, std::span<const std::size_t> cho
     for (const std::size_t k : chosen) {
         if (k >= table.columns.size()) continue;
         const ProbeColumn& column = table.columns[k];
-        panelFor(chart, column).lines.push_back({column.name, table.times, column.values, false});
+        panelFor(sim, chart, column).lines.push_back({column.name, table.times, column.values, false});
     }
     for (ChartPanel& panel : chart.panels)
-        if (panel.lines.size() == 1) panel.name = panel.lines.front().name;
+        if (panel.lines.size() == 1) panel.name += ", " + panel.lines.front().name; // it has no legend
     return chart;
 }
 

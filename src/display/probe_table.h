@@ -1,6 +1,7 @@
 #pragma once
 // The table of probes over time that a run writes: lines of comma-separated values (RFC 4180) below one line of names.
 
+#include "core/sim_state.h"
 #include "display/line_chart.h"
 
 #include <span>
@@ -27,7 +28,8 @@ struct ProbeTable {
 /// text, with the line; empty: nothing.
 std::string readProbes(const std::string& text, ProbeTable& table);
 
-/// A chart over time of the columns [0..columns.size()-1] that are chosen, a panel for each unit.
-LineChart historyChart(const ProbeTable& table, std::span<const std::size_t> chosen);
+/// A chart over time of the columns [0..columns.size()-1] that are chosen, a panel for each unit. The quantities have
+/// the labels that they have in other figures of a loaded geometry.
+LineChart historyChart(const SimState& sim, const ProbeTable& table, std::span<const std::size_t> chosen);
 
 } // namespace norvane

@@ -79,13 +79,14 @@ std::optional<CellLine> cellsBetween(const SimState& sim, std::int32_t from, std
     }
 }
 
-LineChart
-profileChart(const SimState& sim, std::span<const CellLine> lines, std::span<const ShownQuantity> quantities) {
+LineChart profileChart(const SimState& sim,
+                       std::span<const CellLine> lines,
+                       std::span<const ShownQuantity> quantities,
+                       const std::string& moment) {
     LineChart chart;
     if (lines.empty()) return chart;
     chart.title = sim.graphTitle;
-    chart.subtitle =
-        (lines.size() == 1 && !lines.front().name.empty() ? lines.front().name + ", " : "") + momentText(sim);
+    chart.subtitle = (lines.size() == 1 && !lines.front().name.empty() ? lines.front().name + ", " : "") + moment;
     chart.across = axisLetter(lines.front().dim);
     chart.acrossUnit = "m";
     chart.extent = extentOf(sim, lines);
@@ -98,6 +99,13 @@ profileChart(const SimState& sim, std::span<const CellLine> lines, std::span<con
         chart.panels.push_back(std::move(panel));
     }
     return chart;
+}
+
+void addMoment(LineChart& chart, const LineChart& other) {
+    for (std::size_t k = 0; k < std::min(chart.panels.size(), other.panels.size()); ++k) {
+        std::vector<ChartLine>& lines = chart.panels[k].lines;
+        lines.insert(lines.end(), other.panels[k].lines.begin(), other.panels[k].lines.end());
+    }
 }
 
 } // namespace norvane

@@ -25,7 +25,14 @@ std::optional<CellLine> cellsBetween(const SimState& sim, std::int32_t from, std
 /// A chart with a panel for each quantity and a line for each line of cells; all of these run along one dimension. A
 /// value lies at the centre of its cell, a velocity along the line on the upper face. What means nothing in a wall is
 /// left out there, but not a velocity along the line, which is 0 on the faces of a wall. With one line of cells its
-/// walls are shaded. Quantities without values are left out.
-LineChart profileChart(const SimState& sim, std::span<const CellLine> lines, std::span<const ShownQuantity> quantities);
+/// walls are shaded. `moment` is a text for
+/// the subtitle.
+LineChart profileChart(const SimState& sim,
+                       std::span<const CellLine> lines,
+                       std::span<const ShownQuantity> quantities,
+                       const std::string& moment);
+
+/// Adds the lines of a chart of another moment, with the same panels.
+void addMoment(LineChart& chart, const LineChart& other);
 
 } // namespace norvane

@@ -1,9 +1,9 @@
 #include "display/shown_quantity.h"
 
-#include "core/number_text.h"
 #include "platform/letter_case.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <string_view>
 #include <utility>
 
@@ -87,9 +87,15 @@ std::string axisLetter(int dim) {
     return dim >= 1 && dim <= 3 ? letters[dim - 1] : "d" + std::to_string(dim);
 }
 
+std::string shortText(double value) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.6g", value);
+    return text;
+}
+
 std::string momentText(const SimState& sim) {
-    const auto seconds = static_cast<float>(double(sim.stepCount) * double(sim.dt));
-    return "step " + std::to_string(sim.stepCount) + ", t = " + generalText(seconds) + " s";
+    const double seconds = double(sim.stepCount) * double(sim.dt);
+    return "step " + std::to_string(sim.stepCount) + ", t = " + shortText(seconds) + " s";
 }
 
 } // namespace norvane

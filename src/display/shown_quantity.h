@@ -34,6 +34,9 @@ int catalogueNumber(const std::string& name);
 /// "x", "y", "z", or "d4" and so on.
 std::string axisLetter(int dim);
 
+/// A number in at most six digits, as a title shows it.
+std::string shortText(double value);
+
 /// "step 2000, t = 0.02 s".
 std::string momentText(const SimState& sim);
 

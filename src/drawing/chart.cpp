@@ -55,6 +55,7 @@ double legendHeight(const std::vector<LegendPlace>& places) {
 Pen penOf(std::size_t line) {
     constexpr std::size_t colors = std::size(lineColors);
     static const std::vector<double> dashes[] = {{}, {7, 3}, {2, 3}, {8, 3, 2, 3}};
+    static_assert(colors * std::size(dashes) == lineStyles);
     return {lineColors[line % colors], 2, dashes[line / colors % std::size(dashes)]};
 }
 

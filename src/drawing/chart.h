@@ -6,6 +6,9 @@
 
 namespace norvane {
 
+/// So many lines of a panel look different.
+constexpr std::size_t lineStyles = 28;
+
 /// The height of a canvas on which each panel has its usual size, for a canvas of this width.
 double chartHeight(const LineChart& chart, const Canvas& canvas);
 

@@ -63,8 +63,14 @@ bool hasGreyWalls(const FieldFigure& figure) {
     return false;
 }
 
+bool hasNoLogarithm(const FieldFigure& figure) {
+    return std::any_of(figure.panels.begin(), figure.panels.end(),
+                       [](const FieldPanel& each) { return each.hasNoLogarithm; });
+}
+
 double keyHeightOf(const FieldFigure& figure) {
-    const bool hasKey = hasGreyWalls(figure) || anyOf(figure.plane.held) || hasArrows(figure);
+    const bool hasKey =
+        hasGreyWalls(figure) || anyOf(figure.plane.held) || hasArrows(figure) || hasNoLogarithm(figure);
     return hasKey ? keyHeight : 6;
 }
 
@@ -153,7 +159,7 @@ void drawMap(const SimState& sim,
     canvas.clip({place.frame.left, place.frame.top}, {place.frame.right, place.frame.bottom});
     hatchHeld(sim, plane, place, canvas);
     drawWalls(sim, plane, place, canvas);
-    drawContours(sim, plane, panel.values, panel.contours, place, canvas);
+    drawContours(sim, plane, panel.contoured, panel.contours, panel.hasStreamlines, place, canvas);
     if (panel.hasStreamlines) drawStreamlines(sim, plane, place, canvas);
     if (panel.hasArrows) drawArrows(sim, plane, place, canvas);
     canvas.unclip();
@@ -194,7 +200,7 @@ void drawPanel(const SimState& sim,
         {frame.left, barTop - 8}, heading);
 }
 
-/// What the grey, the hatching and the length of an arrow mean.
+/// What the grey, the hatching, the white and the length of an arrow mean.
 void drawKey(const SimState& sim, const FieldFigure& figure, const MapPlace& place, Point at, const Canvas& canvas) {
     const Lettering letters{inkColor, labelSize, false, TextAnchor::start, false};
     const auto sample = [&] { return Frame{at.x, at.y - 10, at.x + 20, at.y}; };
@@ -213,6 +219,11 @@ void drawKey(const SimState& sim, const FieldFigure& figure, const MapPlace& pla
         strokeHatching(lines, canvas);
         drawFrame(canvas, sample());
         name("held");
+    }
+    if (hasNoLogarithm(figure)) {
+        canvas.box({sample().left, sample().top}, {sample().right, sample().bottom}, paperColor);
+        drawFrame(canvas, sample());
+        name("0 or below");
     }
     const ArrowScale arrows = hasArrows(figure) ? scaleArrows(sim, figure.plane, place) : ArrowScale{};
     if (!(arrows.reference > 0)) return;

@@ -13,11 +13,13 @@ namespace norvane {
 struct FieldPanel {
     std::string label;
     std::string unit;
-    std::vector<float> values; ///< of the cells of the plane
+    std::vector<float> values;    ///< of the cells of the plane
+    std::vector<float> contoured; ///< as many: those that contour lines follow
     ColorScale scale;
     bool reachesBelow = false; ///< there are values below the scale: its bar ends in a point
     bool reachesAbove = false;
     std::vector<double> contours; ///< levels
+    bool hasNoLogarithm = false;  ///< gas without a value on the logarithmic scale is white
     bool hasArrows = false;
     bool hasStreamlines = false;
 };

@@ -77,6 +77,7 @@ void drawContours(const SimState& sim,
                   const Plane& plane,
                   const std::vector<float>& values,
                   const std::vector<double>& levels,
+                  bool dashed,
                   const MapPlace& place,
                   const Canvas& canvas) {
     for (const double level : levels) {
@@ -84,7 +85,7 @@ void drawContours(const SimState& sim,
         for (Point& point : line) point = place.at(point);
         if (line.empty()) continue;
         canvas.stroke(line, {paperColor, 2.2, {}});
-        canvas.stroke(line, {inkColor, 0.9, {}});
+        canvas.stroke(line, {inkColor, 0.9, dashed ? std::vector<double>{5, 3} : std::vector<double>{}});
     }
 }
 

@@ -8,11 +8,12 @@
 
 namespace norvane {
 
-/// Contour lines of these levels.
+/// Contour lines of these levels; dashed ones differ from streamlines.
 void drawContours(const SimState& sim,
                   const Plane& plane,
                   const std::vector<float>& values,
                   const std::vector<double>& levels,
+                  bool dashed,
                   const MapPlace& place,
                   const Canvas& canvas);
 

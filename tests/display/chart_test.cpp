@@ -70,7 +70,7 @@ TEST(charts, ofProfilesPutValuesWhereTheyHold) {
     std::array<ShownQuantity, 3> shown;
     for (const auto& [k, name] : {std::pair{0, "Temperature"}, {1, "u"}, {2, "4"}})
         EXPECT_EQ(chooseShown(test.sim, name, 0, shown.at(static_cast<std::size_t>(k))), "");
-    const LineChart chart = profileChart(test.sim, lines, shown);
+    const LineChart chart = profileChart(test.sim, lines, shown, "");
     ASSERT_EQ(chart.panels.size(), 3u);
     EXPECT_THAT(chart.panels[0].lines[0].x, ElementsAre(1, 3, 5, 7));
     EXPECT_THAT(chart.panels[0].lines[0].y[2], testing::DoubleNear(46.85, 1e-4));
@@ -133,7 +133,7 @@ TEST(charts, showTheirNumbersInTheFile) {
     }
     EXPECT_EQ(runProgram("plot m.gmt --history --quantity t -o h.svg").status, 0);
     const SvgFigure history(test.read("h.svg"));
-    EXPECT_TRUE(history.shows("A3:T") && history.shows("C3:T") && history.shows("T [K]")
+    EXPECT_TRUE(history.shows("A3:T") && history.shows("C3:T") && history.shows("Temperature [K]")
                 && !history.shows("B3:p [Pa]"));
     const std::vector<std::array<std::string, 2>> cases = {
         {"--along A3:B4", "--along: \"A3:B4\" is not two cells of the drawing"},

@@ -55,6 +55,33 @@ bool takeScale(const PlotOptions& options, LineChart& chart) {
     return true;
 }
 
+/// The lines of all frames in one chart, named after their moments.
+ExitStatus chartOfFrames(const PlotFrames& frames,
+                         SimState& sim,
+                         const std::vector<CellLine>& lines,
+                         const std::vector<ShownQuantity>& shown,
+                         LineChart& chart) {
+    if (frames.steps.size() * lines.size() > lineStyles) {
+        std::fprintf(stderr,
+                     "--frame: %zu frames make more lines than the %zu that a chart can tell apart; name fewer steps\n",
+                     frames.steps.size(), lineStyles);
+        return exitBadUse;
+    }
+    for (std::size_t k = 0; k < frames.steps.size(); ++k) {
+        const ExitStatus status = takeFrame(frames, k, sim);
+        if (status != exitDone) return status;
+        std::vector<CellLine> named = lines;
+        for (CellLine& line : named) line.name = (lines.size() > 1 ? line.name + ", " : "") + momentText(sim);
+        LineChart one = profileChart(sim, named, shown, "");
+        if (k == 0)
+            chart = std::move(one);
+        else
+            addMoment(chart, one);
+    }
+    chart.subtitle = lines.size() > 1 ? "" : lines.front().name;
+    return exitDone;
+}
+
 ExitStatus writeChart(const PlotOptions& options, LineChart& chart) {
     if (!takeScale(options, chart)) return exitBadUse;
     if (options.hasTitle) chart.title = options.title;
@@ -146,20 +173,31 @@ bool chosenQuantities(const PlotOptions& options,
     return true;
 }
 
+std::string momentOf(const PlotOptions& options, const SimState& sim) {
+    return options.state ? "saved at step " + std::to_string(sim.stepCount) : momentText(sim);
+}
+
 ExitStatus plotLines(const PlotOptions& options,
-                     const SimState& sim,
+                     SimState& sim,
+                     const PlotFrames& frames,
                      const std::vector<CellLine>& lines,
                      const std::string& quantities) {
     std::vector<ShownQuantity> shown;
     if (!chosenQuantities(options, sim, quantities, shown)) return exitBadUse;
-    LineChart chart = profileChart(sim, lines, shown);
+    LineChart chart;
+    if (frames.steps.size() < 2) {
+        chart = profileChart(sim, lines, shown, momentOf(options, sim));
+    } else {
+        const ExitStatus status = chartOfFrames(frames, sim, lines, shown, chart);
+        if (status != exitDone) return status;
+    }
     return writeChart(options, chart);
 }
 
-ExitStatus plotProfiles(const PlotOptions& options, const SimState& sim) {
+ExitStatus plotProfiles(const PlotOptions& options, SimState& sim, const PlotFrames& frames) {
     std::vector<CellLine> lines;
     if (!takeLines(options, sim, lines)) return exitBadUse;
-    return plotLines(options, sim, lines, options.panels.empty() ? options.quantity : options.panels);
+    return plotLines(options, sim, frames, lines, options.panels.empty() ? options.quantity : options.panels);
 }
 
 ExitStatus plotHistory(const PlotOptions& options, const SimState& sim) {
@@ -170,10 +208,9 @@ ExitStatus plotHistory(const PlotOptions& options, const SimState& sim) {
     if (status != exitDone) return status;
     std::vector<std::size_t> chosen;
     if (!chooseColumns(options, table, chosen)) return exitBadUse;
-    LineChart chart = historyChart(table, chosen);
+    LineChart chart = historyChart(sim, table, chosen);
     chart.title = sim.baseName;
-    chart.subtitle = "Probes, to step " + generalText(table.steps.back())
-                     + ", t = " + generalText(static_cast<float>(table.times.back())) + " s";
+    chart.subtitle = "Probes, to step " + generalText(table.steps.back()) + ", t = " + shortText(table.times.back()) + " s";
     return writeChart(options, chart);
 }
 

@@ -6,6 +6,7 @@
 #include "drawing/figure_file.h"
 #include "frontends/cli/console.h"
 #include "frontends/cli/plot_command.h"
+#include "frontends/cli/plot_frames.h"
 
 #include <optional>
 #include <string>
@@ -13,14 +14,19 @@
 
 namespace norvane {
 
-/// Draws the profiles of a model that stands. Gives the exit status.
-ExitStatus plotProfiles(const PlotOptions& options, const SimState& sim);
+/// Draws the profiles of a model that stands, or of several frames, which it takes; the first one is there already.
+/// Gives the exit status.
+ExitStatus plotProfiles(const PlotOptions& options, SimState& sim, const PlotFrames& frames);
 
 /// Draws quantities of a list along lines of cells, which are not empty. Gives the exit status.
 ExitStatus plotLines(const PlotOptions& options,
-                     const SimState& sim,
+                     SimState& sim,
+                     const PlotFrames& frames,
                      const std::vector<CellLine>& lines,
                      const std::string& quantities);
+
+/// "step 200, t = 0.02 s", or which step a saved state is of: its fields are those at the start of that step.
+std::string momentOf(const PlotOptions& options, const SimState& sim);
 
 /// Draws the probes of a geometry that is loaded. Gives the exit status.
 ExitStatus plotHistory(const PlotOptions& options, const SimState& sim);

@@ -1,8 +1,10 @@
 #include "frontends/cli/frame_options.h"
 
 #include "frontends/cli/command_options.h"
+#include "frontends/cli/plot_frames.h"
 #include "frontends/cli/run_frames.h"
 
+#include <cstdio>
 #include <memory>
 
 namespace norvane {
@@ -14,6 +16,15 @@ RunExtra framesOf(const FrameOptions&) {
     extra.prepare = [](const RunContext&) { return std::string(noNetcdf); };
     return extra;
 }
+
+ExitStatus chooseFrames(const PlotOptions&, const SimState&, PlotFrames&) {
+    std::fprintf(stderr, "--frame: %s\n", noNetcdf);
+    return exitBadUse;
+}
+
+bool holdFields(const PlotFrames&, const SimState&, const std::vector<ShownQuantity>&, bool) { return false; }
+
+ExitStatus takeFrame(const PlotFrames&, std::size_t, SimState&) { return exitBadUse; }
 #endif
 
 RunExtraMaker addFrameOptions(CLI::App* run) {

@@ -15,7 +15,7 @@ struct FrameOptions {
 
 RunExtraMaker addFrameOptions(CLI::App* run);
 
-inline constexpr const char* noNetcdf = "this program was built without netCDF, which writes frames; install "
+inline constexpr const char* noNetcdf = "this program was built without netCDF, which frames need; install "
                                         "libnetcdf-dev and build it anew";
 
 } // namespace norvane

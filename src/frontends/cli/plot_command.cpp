@@ -167,10 +167,22 @@ bool unused(const char* option, bool isGiven, const char* chart) {
     return !isGiven;
 }
 
+/// Chooses the frames of --frame and puts the first one into the model.
+ExitStatus takeFirstFrame(const PlotOptions& options, SimState& sim, PlotFrames& frames) {
+    const ExitStatus status = chooseFrames(options, sim, frames);
+    if (status != exitDone) return status;
+    std::vector<ShownQuantity> shown;
+    if (!chosenQuantities(options, sim, options.panels.empty() ? options.quantity : options.panels, shown)
+        || !holdFields(frames, sim, shown, options.arrows || options.streamlines))
+        return exitBadUse;
+    return takeFrame(frames, 0, sim);
+}
+
 /// Whether no option is given that the style or the chart doesn't take.
 bool suitsChart(const PlotOptions& options) {
     if (options.style == "classic")
         return unused("--style classic", options.history || !options.along.empty(), "a chart")
+               && unused("--frame", !options.frames.empty(), "--style classic")
                && unused("--panels", !options.panels.empty(), "--style classic")
                && unused("--contours", options.contours > 0, "--style classic")
                && unused("--arrows", options.arrows, "--style classic")
@@ -187,6 +199,7 @@ bool suitsChart(const PlotOptions& options) {
            && unused("--stretch", options.stretch, chart) && unused("--show-walls", options.showWalls, chart)
            && unused("--panels", options.history && !options.panels.empty(), chart)
            && unused("--state", options.history && options.state, chart)
+           && unused("--frame", options.history && !options.frames.empty(), chart)
            && unused("--component", options.history && !options.component.empty(), chart);
 }
 
@@ -255,10 +268,13 @@ int plotGeometry(const PlotOptions& options) {
                      printableName(program.sim.fileName).c_str());
         return exitNoModel;
     }
-    if (!options.along.empty()) return plotProfiles(options, program.sim);
+    PlotFrames frames;
+    if (!options.frames.empty()) status = takeFirstFrame(options, program.sim, frames);
+    if (status != exitDone) return status;
+    if (!options.along.empty()) return plotProfiles(options, program.sim, frames);
     if (options.style == "report") {
         if (!takePlane(options, program.sim)) return exitBadUse;
-        return plotReport(options, program.sim);
+        return plotReport(options, program.sim, frames);
     }
     if (!takeOptions(options, program)) return exitBadUse;
 

@@ -10,6 +10,7 @@ struct PlotOptions {
     std::string geometry;
     std::string output;
     bool state = false; ///< recalls the saved state
+    std::string frames; ///< "100,200", "last" or "all": steps of frames
     std::string quantity;
     std::string component;
     std::vector<std::string> slices; ///< "3=4": dimension 3 at slice 4

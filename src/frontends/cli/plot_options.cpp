@@ -59,7 +59,12 @@ Command addPlot(CLI::App& app) {
     plot->add_option("-o,--output", options.output, "the picture; .png, .svg, .pdf or .bmp")
         ->type_name("FILE")
         ->required();
-    plot->add_flag("--state", options.state, "recall the saved state first");
+    CLI::Option* state = plot->add_flag("--state", options.state, "recall the saved state first");
+    plot->add_option("--frame", options.frames,
+                     "draw the frame of a step in m_frames.nc; of charts several, such as 0,100,last, or all")
+        ->type_name("STEPS")
+        ->excludes(state)
+        ->check(notEmpty);
     plot->add_option("--quantity", options.quantity, "what to show, by name or number: " + listedQuantities());
     plot->add_option("--component", options.component,
                      "total, x, y, z or the number of a dimension; of a species, its number in the table, from 0");

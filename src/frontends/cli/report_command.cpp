@@ -1,5 +1,6 @@
 #include "frontends/cli/report_command.h"
 
+#include "core/wall_codes.h"
 #include "display/color_tables.h"
 #include "drawing/field_figure.h"
 #include "frontends/cli/option_text.h"
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 #include <optional>
 
 namespace norvane {
@@ -71,8 +73,41 @@ std::vector<double> contourLevels(Range range, bool isLog, int count) {
     return levels;
 }
 
+/// Values of cells whose masses are held are set by the drawing, and not by the gas around them: neither the scale nor
+/// contour lines follow their pressure and density, unless there are no others.
+std::vector<float> followedValues(const SimState& sim,
+                                  const Plane& plane,
+                                  const ShownQuantity& shown,
+                                  const std::vector<float>& values) {
+    constexpr float none = std::numeric_limits<float>::quiet_NaN();
+    const std::string& name = shown.label;
+    if (name != "Pressure" && name != "Density") return values;
+    std::vector<float> followed = values;
+    for (std::size_t k = 0; k < followed.size(); ++k)
+        if (isHeld(sim.wallPressure[plane.cells[k]])) followed[k] = none;
+    bool found = false;
+    extentOf(followed, found);
+    return found ? followed : values;
+}
+
+/// Takes out the values that have no logarithm. Gives whether there were some.
+bool removeNonPositive(std::vector<float>& values) {
+    bool found = false;
+    for (float& value : values) {
+        if (!(value <= 0)) continue;
+        value = std::numeric_limits<float>::quiet_NaN();
+        found = true;
+    }
+    return found;
+}
+
 bool takePanel(const PlotOptions& options, const ScaleChoice& choice, FieldPanel& panel) {
-    const std::optional<Range> range = rangeOver(panel.values, choice);
+    if (choice.isLog) {
+        removeNonPositive(panel.contoured);
+        panel.hasNoLogarithm = removeNonPositive(panel.values);
+    }
+    std::optional<Range> range = rangeOver(panel.contoured, choice);
+    if (!range) range = rangeOver(panel.values, choice);
     if (!range) {
         const char* const hint =
             choice.isLog ? " on a logarithmic scale" : "; where it is all wall, --slice takes another";
@@ -103,12 +138,17 @@ bool takePanels(const PlotOptions& options, const SimState& sim, FieldFigure& fi
     if (!chosenQuantities(options, sim, options.panels.empty() ? options.quantity : options.panels, shown)
         || !takeScale(options, shown.size(), choice))
         return false;
+    const bool inWalls =
+        std::any_of(shown.begin(), shown.end(), [](const ShownQuantity& each) { return each.inWalls; });
+    if (options.showWalls && !inWalls)
+        return fault("--show-walls", shown.front().label, "a quantity of walls, which have a temperature");
     for (const ShownQuantity& each : shown) {
         FieldPanel panel;
         panel.label = each.label;
         panel.unit = each.unit;
         panel.hasArrows = each.isArrows;
         panel.values = planeValues(sim, figure.plane, each, options.showWalls);
+        panel.contoured = followedValues(sim, figure.plane, each, panel.values);
         if (!takePanel(options, choice, panel)) return false;
         figure.panels.push_back(std::move(panel));
     }
@@ -117,7 +157,7 @@ bool takePanels(const PlotOptions& options, const SimState& sim, FieldFigure& fi
 
 bool hasExtent(Range range) { return std::isfinite(range.high - range.low) && range.high > range.low; }
 
-ExitStatus plotWholeLine(const PlotOptions& options, const SimState& sim) {
+ExitStatus plotWholeLine(const PlotOptions& options, SimState& sim, const PlotFrames& frames) {
     const bool asksForPlane = options.arrows || options.streamlines || options.contours > 0;
     if (asksForPlane) {
         std::fprintf(stderr,
@@ -126,7 +166,7 @@ ExitStatus plotWholeLine(const PlotOptions& options, const SimState& sim) {
     }
     CellLine line;
     for (std::int32_t cell = 1; cell <= sim.nCells; ++cell) line.cells.push_back(cell);
-    return plotLines(options, sim, {line}, options.panels.empty() ? options.quantity : options.panels);
+    return plotLines(options, sim, frames, {line}, options.panels.empty() ? options.quantity : options.panels);
 }
 
 } // namespace
@@ -140,14 +180,18 @@ ExitStatus makeFigure(const PlotOptions& options, const SimState& sim, FieldFigu
     }
     const std::string slice = sliceText(sim, figure.plane);
     figure.title = options.hasTitle ? options.title : sim.graphTitle;
-    figure.subtitle = momentText(sim) + (slice.empty() ? "" : ", " + slice);
+    figure.subtitle = momentOf(options, sim) + (slice.empty() ? "" : ", " + slice);
     figure.fillsCanvas = options.stretch;
     figure.stretchAcross = double(sim.zoom[figure.plane.acrossDim]) / double(sim.zoom[figure.plane.downDim]);
     return takePanels(options, sim, figure) ? exitDone : exitBadUse;
 }
 
-ExitStatus plotReport(const PlotOptions& options, const SimState& sim) {
-    if (sim.nDim == 1) return plotWholeLine(options, sim);
+ExitStatus plotReport(const PlotOptions& options, SimState& sim, const PlotFrames& frames) {
+    if (sim.nDim == 1) return plotWholeLine(options, sim, frames);
+    if (frames.steps.size() > 1) {
+        std::fprintf(stderr, "--frame: a plane shows one step; several need --along\n");
+        return exitBadUse;
+    }
     FieldFigure figure;
     const ExitStatus status = makeFigure(options, sim, figure);
     if (status != exitDone) return status;

@@ -10,7 +10,7 @@ namespace norvane {
 ExitStatus makeFigure(const PlotOptions& options, const SimState& sim, FieldFigure& figure);
 
 /// Draws the plane of a model that stands which its settings choose, as a figure for a report; a grid of one dimension
-/// as a chart. Gives the exit status.
-ExitStatus plotReport(const PlotOptions& options, const SimState& sim);
+/// as a chart, of several frames if they are given; the first one is in the model already. Gives the exit status.
+ExitStatus plotReport(const PlotOptions& options, SimState& sim, const PlotFrames& frames);
 
 } // namespace norvane
