@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 #include <string>
@@ -96,7 +97,7 @@ TEST(randomModel, losesNothingOfAClosedBox) {
                 << table;
         ASSERT_NEAR(totalEnergy(test.sim) / energy, 1, tolerance) << table;
         for (std::int32_t cell = 1; cell <= test.sim.nCells; ++cell)
-            fastest = std::fmax(fastest, std::abs(test.sim.velocity(cell, 1)));
+            fastest = std::max(fastest, std::abs(double(test.sim.velocity(cell, 1))));
     }
     EXPECT_GT(fastest, 1) << "nothing moved";
 }

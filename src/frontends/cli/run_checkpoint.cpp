@@ -98,7 +98,7 @@ std::string writeAndPublish(ConsoleRun& run, bool afterOutputs) {
     SimState& sim = simOf(run);
     const BadValue bad = firstBadValue(sim);
     if (bad.cell != 0) return "the fields hold a " + std::string(bad.quantity) + " that no gas has";
-    const std::string fault = writeCheckpoint(checkpoints.fresh, sim, checkpointOf(run, afterOutputs));
+    std::string fault = writeCheckpoint(checkpoints.fresh, sim, checkpointOf(run, afterOutputs));
     if (!fault.empty()) return fault;
     flushFiles(run, sim);
     const FileResult published =

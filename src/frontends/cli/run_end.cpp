@@ -65,7 +65,7 @@ void reportReplacedBitmaps(const ConsoleRun& run) {
 /// Why an extra ended the run, empty: none did.
 std::string endedByExtra(const ConsoleRun& run) {
     for (const RunExtra& extra : run.extras) {
-        const std::string reason = extra.endedBy ? extra.endedBy() : "";
+        std::string reason = extra.endedBy ? extra.endedBy() : "";
         if (!reason.empty()) return reason;
     }
     return {};

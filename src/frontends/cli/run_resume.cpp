@@ -24,7 +24,7 @@ std::string settingText(const NamedText& setting) {
 
 /// What else there is, when a checkpoint can't be taken.
 std::string otherWays(const RunCheckpoints& checkpoints, bool tookOlder) {
-    const std::string afresh = "Start the run afresh, without --resume.";
+    std::string afresh = "Start the run afresh, without --resume.";
     if (tookOlder || !stampOf(checkpoints.older).exists) return afresh;
     Checkpoint older;
     const std::string fault = readCheckpoint(checkpoints.older, older);

@@ -65,6 +65,7 @@ void printCase(const VerifiedCase& entry) {
 
 std::string jsonList(const std::vector<std::string>& texts) {
     std::vector<std::string> parts;
+    parts.reserve(texts.size());
     for (const std::string& text : texts) parts.push_back(jsonString(text));
     return "[" + joined(parts, ", ") + "]";
 }
