@@ -168,11 +168,16 @@ std::vector<std::string> balanceLines(const SimState& sim, const BalancePlan& pl
     for (int quantity = 0; quantity < static_cast<int>(balance.quantities.size()); ++quantity) {
         const std::string unit = std::string(" ") + rateUnit(sim, quantity);
         std::string line = quantityName(sim, quantity) + ": ";
-        for (const Share& share : sharesOf(sim, plan, balance, quantity))
-            line += share.name + " " + shortText(share.rate) + unit + ", ";
-        const double change = balance.quantities[static_cast<std::size_t>(quantity)].change / balance.dt;
-        lines.push_back(line + "box " + shortText(change) + unit + ", remainder "
-                        + shortText(remainderOf(plan, balance, quantity)) + unit);
+        const auto add = [&](const std::string& name, double rate) {
+            line.append(name).append(" ").append(shortText(rate)).append(unit);
+        };
+        for (const Share& share : sharesOf(sim, plan, balance, quantity)) {
+            add(share.name, share.rate);
+            line += ", ";
+        }
+        add("box", balance.quantities[static_cast<std::size_t>(quantity)].change / balance.dt);
+        add(", remainder", remainderOf(plan, balance, quantity));
+        lines.push_back(line);
     }
     return lines;
 }

@@ -245,7 +245,7 @@ std::string readCheckpoint(const std::string& path, Checkpoint& checkpoint) {
     if (!whole) return damaged;
     NetcdfFile file = NetcdfFile::openToRead(path);
     if (!file.ok()) return file.fault();
-    const std::string fault = faultOfVersions(file);
+    std::string fault = faultOfVersions(file);
     if (!fault.empty()) return fault;
     const std::string text = carryHeader(file, false, checkpoint);
     const std::string checksum = file.text(NetcdfFile::wholeFile, headerChecksum);
@@ -257,7 +257,7 @@ std::string readCheckpointFields(const std::string& path, SimState& sim) {
     NetcdfFile file = NetcdfFile::openToRead(path);
     if (!file.ok()) return file.fault();
     for (const KeptField& field : keptFields(sim)) {
-        const std::string fault = readField(file, field, static_cast<std::size_t>(sim.nCells));
+        std::string fault = readField(file, field, static_cast<std::size_t>(sim.nCells));
         if (!fault.empty()) return fault;
     }
     return {};

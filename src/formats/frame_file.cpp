@@ -17,6 +17,8 @@ constexpr std::size_t mostFrames = std::size_t{1} << 31; // what a file that oth
 constexpr const char* stateComment =
     "fields as they stand after a step, as plots show them: the trial state of the fourth stage of the Runge-Kutta "
     "step; step 0 is the start";
+constexpr const char* savedComment =
+    "fields of a saved state: those at the start of the step in which it was saved, that is after the step before";
 
 void setTexts(NetcdfFile& file,
               const SimState& sim,
@@ -27,7 +29,7 @@ void setTexts(NetcdfFile& file,
     file.setText(whole, "Conventions", "CF-1.8");
     file.setText(whole, "title", origin.title);
     file.setText(whole, "source", origin.program);
-    file.setText(whole, "comment", stateComment);
+    file.setText(whole, "comment", origin.isSavedState ? savedComment : stateComment);
     file.setNumber(whole, "norvane_frames", formatNumber);
     file.setText(whole, "norvane_fields", layout.fieldNames());
     file.setText(whole, "table_name", sim.fileName);
@@ -98,7 +100,9 @@ std::string endOf(NetcdfFile& file, const std::string& path) {
 } // namespace
 
 FrameOrigin originOf(const SimState& sim, const std::string& program) {
-    return {program, tableFingerprint(sim), sim.graphTitle.empty() ? sim.baseName : sim.graphTitle};
+    return {.program = program,
+            .fingerprint = tableFingerprint(sim),
+            .title = sim.graphTitle.empty() ? sim.baseName : sim.graphTitle};
 }
 
 std::string

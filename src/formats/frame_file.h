@@ -16,6 +16,7 @@ struct FrameOrigin {
     std::string program; ///< "Norvane 0.1.0"
     std::string fingerprint;
     std::string title;
+    bool isSavedState = false; ///< the fields come from a state file, not from a run
 };
 
 FrameOrigin originOf(const SimState& sim, const std::string& program);

@@ -175,7 +175,7 @@ int NetcdfFile::variable(const std::string& name) {
     return variable;
 }
 
-bool NetcdfFile::hasVariable(const std::string& name) {
+bool NetcdfFile::hasVariable(const std::string& name) const {
     const Lock lock(netcdfMutex());
     int variable = -1;
     return ok() && nc_inq_varid(file_, name.c_str(), &variable) == NC_NOERR;
@@ -229,7 +229,7 @@ double NetcdfFile::number(int variable, const std::string& name) {
     return value;
 }
 
-bool NetcdfFile::hasAttribute(int variable, const std::string& name) {
+bool NetcdfFile::hasAttribute(int variable, const std::string& name) const {
     const Lock lock(netcdfMutex());
     int number = 0;
     return ok() && nc_inq_attid(file_, variable, name.c_str(), &number) == NC_NOERR;
@@ -242,6 +242,7 @@ std::vector<std::size_t> NetcdfFile::shape(int variable) {
     std::vector<int> dimensions(static_cast<std::size_t>(rank));
     isDone(nc_inq_vardimid(file_, variable, dimensions.data()), "variable");
     std::vector<std::size_t> lengths;
+    lengths.reserve(dimensions.size());
     for (const int each : dimensions) lengths.push_back(length(each));
     return lengths;
 }
@@ -287,11 +288,13 @@ FileImage NetcdfFile::closeToMemory() {
     return image;
 }
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the argument is a type
 #define NORVANE_INSTANTIATE(Value)                                                                                     \
     template int NetcdfFile::addVariable<Value>(const std::string&, const VariableLayout&);                            \
     template void NetcdfFile::write<Value>(int, const std::vector<std::size_t>&, const std::vector<std::size_t>&,      \
                                            const Value*);                                                              \
     template void NetcdfFile::read<Value>(int, const std::vector<std::size_t>&, const std::vector<std::size_t>&, Value*)
+// NOLINTEND(bugprone-macro-parentheses)
 NORVANE_INSTANTIATE(float);
 NORVANE_INSTANTIATE(double);
 NORVANE_INSTANTIATE(std::int8_t);

@@ -63,7 +63,7 @@ public:
     template <class Value>
     int addVariable(const std::string& name, const VariableLayout& layout);
     int variable(const std::string& name);
-    bool hasVariable(const std::string& name);
+    bool hasVariable(const std::string& name) const;
 
     /// Of a variable, or of the file with `wholeFile`.
     void setText(int variable, const std::string& name, const std::string& text);
@@ -72,7 +72,7 @@ public:
     void setNumber(int variable, const std::string& name, std::int32_t value);
     std::string text(int variable, const std::string& name);
     double number(int variable, const std::string& name);
-    bool hasAttribute(int variable, const std::string& name);
+    bool hasAttribute(int variable, const std::string& name) const;
 
     static constexpr int wholeFile = -1;
 

@@ -9,6 +9,7 @@
 #include "frontends/cli/run_command.h"
 #include "platform/files.h"
 
+#include <algorithm>
 #include <charconv>
 #include <memory>
 #include <new>
@@ -69,6 +70,18 @@ bool makePlan(Balances& balances, const RunContext& run) {
     return balances.plan.has_value();
 }
 
+/// A region of gas has no flows of its own, and one whose cells an earlier region has taken has none left.
+void tellEmptyRegions(const Balances& balances, const RunContext& run) {
+    for (const NamedRange& label : run.labels) {
+        const bool isGroup = std::any_of(balances.plan->groups.begin(), balances.plan->groups.end(),
+                                         [&](const HeldGroup& group) { return group.name == label.name; });
+        if (!isGroup)
+            run.complain("--region " + label.name
+                         + ": the balance has no columns for it, since none of its cells is "
+                           "held (WP or WT), or other regions name them before.");
+    }
+}
+
 void tell(Balances& balances, const RunContext& run, const std::string& reason) {
     if (balances.whole)
         run.complain("The balance " + nameOf(balances.file.path) + " can't be written: " + reason
@@ -80,6 +93,7 @@ void tell(Balances& balances, const RunContext& run, const std::string& reason) 
 /// later row.
 void begin(Balances& balances, const RunContext& run) {
     if (!makePlan(balances, run)) return;
+    tellEmptyRegions(balances, run);
     RowFileContent old;
     FileResult done = lookAt(balances.file, old);
     if (done && run.goesOn && old.exists) {

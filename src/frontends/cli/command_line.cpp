@@ -241,9 +241,10 @@ int runCommandLine(int argc, char** argv) {
         return exitBadUse;
     }
     try {
-        std::vector<std::string> reversed; // as the parser takes them
-        for (auto word = words.rbegin(); word != words.rend(); ++word) reversed.push_back(word->text);
-        app.parse(std::move(reversed));
+        std::vector<std::string> texts;
+        for (const OptionWord& word : words) texts.push_back(word.text);
+        std::reverse(texts.begin(), texts.end()); // as the parser takes them
+        app.parse(std::move(texts));
     } catch (const CLI::ParseError& end) {
         std::ostringstream fault; // it may hold any argument
         const int status = app.exit(end, std::cout, fault);

@@ -43,7 +43,8 @@ int exportFrames(const ExportOptions& options, const SimState& sim) {
                      printableName(sim.baseName).c_str());
         return exitFileFault;
     }
-    const FrameOrigin origin = originOf(sim, NORVANE_PROGRAM_NAME);
+    FrameOrigin origin = originOf(sim, NORVANE_PROGRAM_NAME);
+    origin.isSavedState = options.state;
     FrameSeries series(path, layout);
     Frame frame;
     takeFields(sim, layout, frame);

@@ -13,6 +13,7 @@
 #include "platform/files.h"
 #include "platform/terminal_text.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
@@ -150,6 +151,9 @@ bool prepareExtras(ConsoleRun& run) {
         std::vector<std::int32_t> cells;
         std::string fault = parseNamedRange(text, named);
         if (fault.empty()) fault = cellsOfRange(run.console.program.sim, named.range, {}, cells);
+        const bool isTwice = std::any_of(run.labels.begin(), run.labels.end(),
+                                         [&](const NamedRange& label) { return label.name == named.name; });
+        if (fault.empty() && isTwice) fault = "there is a region of that name already";
         if (!fault.empty()) return refuse("--region " + text, fault);
         run.labels.push_back(named);
     }

@@ -64,6 +64,8 @@ std::string failureHint(const std::string& geometry, const Checkup& checkup, con
 
 std::vector<std::string> resultLines(const RunResult& result) {
     std::vector<std::string> lines;
+    lines.push_back("  Simulated: " + number(double(result.sim.dt) * double(result.steps)) + " s in "
+                    + std::to_string(result.steps) + (result.steps == 1 ? " step" : " steps"));
     for (const int quantity : reported) {
         const FieldExtremes extremes = extremesOf(result.sim, quantity, 0);
         if (extremes.lowCell == 0) continue;

@@ -52,6 +52,9 @@ void printCheck(const Case& verified, const CheckResult& checked) {
         std::printf("    %-12s %11s  %-12s %-34s %s\n", printableName(verified.grids[grid].name).c_str(),
                     shortNumber(figure.value).c_str(), order.c_str(), acceptanceText(checked, figure).c_str(), verdict);
         if (!figure.fault.empty()) std::printf("      %s\n", printableName(figure.fault).c_str());
+        if (figure.fault.empty() && !std::isfinite(figure.value))
+            std::printf("      no number came out; \"norvane check\" and \"norvane run\" of %s tell why\n",
+                        printableName(verified.grids[grid].drawing).c_str());
     }
 }
 
