@@ -13,6 +13,10 @@ constexpr double tickLength = 5;
 constexpr double labelGap = 4;
 constexpr double middleOfLetters = 0.36; // of the size: from the base line to the middle of a digit
 
+constexpr double titleHeight = 22;
+constexpr double headMargin = 8; // to the right of the head
+
+const Lettering titleLetters{inkColor, titleSize, true, TextAnchor::start, false};
 const Pen framePen{inkColor, 1, {}};
 const Pen gridPen{gridColor, 1, {}};
 
@@ -94,18 +98,39 @@ void drawFrame(const Canvas& canvas, const Frame& frame) {
     canvas.stroke(corners, framePen);
 }
 
-double headHeight(const std::string& title, const std::string& subtitle) {
+double Head::height() const {
     constexpr double margin = 12;
-    return margin + (title.empty() ? 0 : 22) + (subtitle.empty() ? 0 : 18);
+    return margin + titleHeight * static_cast<double>(title.size()) + (subtitle.empty() ? 0 : 18);
 }
 
-void drawHead(const Canvas& canvas, double left, const std::string& title, const std::string& subtitle) {
-    const double room = canvas.width - left - 8;
-    const Lettering heading{inkColor, titleSize, true, TextAnchor::start, false};
+Head headOf(const Canvas& canvas, double left, const std::string& title, const std::string& subtitle) {
+    const double room = canvas.width - left - headMargin;
+    Head head{left, {}, subtitle};
+    if (title.empty()) return head;
+    const std::string whole = drawableText(title);
+    // The first line takes the words that fit.
+    std::size_t end = whole.size();
+    while (end > 0 && canvas.textWidth(whole.substr(0, end), titleLetters) > room) {
+        const std::size_t longest = std::min(end, static_cast<std::size_t>(room)); // no letter is below one unit wide
+        end = whole.rfind(' ', longest < end ? longest : end - 1);
+        if (end == std::string::npos) end = 0;
+    }
+    if (end == 0 || end == whole.size())
+        head.title = {whole};
+    else
+        head.title = {whole.substr(0, end), whole.substr(end + 1)};
+    return head;
+}
+
+void drawHead(const Canvas& canvas, const Head& head) {
+    const double room = canvas.width - head.left - headMargin;
     const Lettering below{faintInkColor, labelSize, false, TextAnchor::start, false};
-    const double first = title.empty() ? 8 : 25;
-    if (!title.empty()) canvas.write(fitted(canvas, title, heading, room), {left, first}, heading);
-    if (!subtitle.empty()) canvas.write(fitted(canvas, subtitle, below, room), {left, first + 18}, below);
+    double line = head.title.empty() ? 8 : 3;
+    for (const std::string& part : head.title) {
+        line += titleHeight;
+        canvas.write(fitted(canvas, part, titleLetters, room), {head.left, line}, titleLetters);
+    }
+    if (!head.subtitle.empty()) canvas.write(fitted(canvas, head.subtitle, below, room), {head.left, line + 18}, below);
 }
 
 std::string fitted(const Canvas& canvas, const std::string& text, const Lettering& lettering, double room) {

@@ -6,6 +6,7 @@
 #include "platform/canvas.h"
 
 #include <string>
+#include <vector>
 
 namespace norvane {
 
@@ -62,9 +63,17 @@ void drawGridLines(const Canvas& canvas,
 
 void drawFrame(const Canvas& canvas, const Frame& frame);
 
-/// Title and subtitle from the left end on; gives the height that they take.
-double headHeight(const std::string& title, const std::string& subtitle);
-void drawHead(const Canvas& canvas, double left, const std::string& title, const std::string& subtitle);
+/// Title and subtitle, from `left` on; a long title takes two lines.
+struct Head {
+    double left = 0;
+    std::vector<std::string> title; ///< none, one or two lines
+    std::string subtitle;
+
+    double height() const;
+};
+
+Head headOf(const Canvas& canvas, double left, const std::string& title, const std::string& subtitle);
+void drawHead(const Canvas& canvas, const Head& head);
 
 /// A text cut to a length, with three points in place of what is missing.
 std::string fitted(const Canvas& canvas, const std::string& text, const Lettering& lettering, double room);

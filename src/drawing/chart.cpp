@@ -143,7 +143,8 @@ void drawPanel(const LineChart& chart, const ChartPanel& panel, const Canvas& ca
 
 double chartHeight(const LineChart& chart, const Canvas& canvas) {
     const double room = canvas.width - leftMargin(chart, canvas, usualPanel) - rightMargin;
-    double height = headHeight(chart.title, chart.subtitle) + footHeight;
+    double height =
+        headOf(canvas, canvas.width - room - rightMargin, chart.title, chart.subtitle).height() + footHeight;
     for (const ChartPanel& panel : chart.panels)
         height += usualPanel + panelGap + legendHeight(legendPlaces(panel, canvas, room));
     return height - (chart.panels.empty() ? 0 : panelGap);
@@ -151,10 +152,13 @@ double chartHeight(const LineChart& chart, const Canvas& canvas) {
 
 void drawChart(const LineChart& chart, const Canvas& canvas) {
     const auto count = static_cast<double>(chart.panels.size());
-    double room = canvas.height - headHeight(chart.title, chart.subtitle) - footHeight - panelGap * (count - 1);
-    const double left = leftMargin(chart, canvas, room / std::max(count, 1.0));
+    const double usualHead = headOf(canvas, 0, chart.title.empty() ? "" : "T", chart.subtitle).height();
+    double room = canvas.height - footHeight - panelGap * (count - 1);
+    const double left = leftMargin(chart, canvas, (room - usualHead) / std::max(count, 1.0));
     const double right = canvas.width - rightMargin;
-    drawHead(canvas, left, chart.title, chart.subtitle);
+    const Head head = headOf(canvas, left, chart.title, chart.subtitle);
+    room -= head.height();
+    drawHead(canvas, head);
     std::vector<std::vector<LegendPlace>> legends;
     for (const ChartPanel& panel : chart.panels) {
         legends.push_back(legendPlaces(panel, canvas, right - left));
@@ -162,7 +166,7 @@ void drawChart(const LineChart& chart, const Canvas& canvas) {
     }
     const double height = room / std::max(count, 1.0);
     constexpr double least = 20; // below it nothing could be read
-    double top = headHeight(chart.title, chart.subtitle);
+    double top = head.height();
     for (std::size_t k = 0; k < chart.panels.size() && height >= least && right - left >= least; ++k) {
         top += legendHeight(legends[k]);
         const Frame frame{left, top, right, top + height};

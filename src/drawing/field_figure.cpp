@@ -69,8 +69,7 @@ bool hasNoLogarithm(const FieldFigure& figure) {
 }
 
 double keyHeightOf(const FieldFigure& figure) {
-    const bool hasKey =
-        hasGreyWalls(figure) || anyOf(figure.plane.held) || hasArrows(figure) || hasNoLogarithm(figure);
+    const bool hasKey = hasGreyWalls(figure) || anyOf(figure.plane.held) || hasArrows(figure) || hasNoLogarithm(figure);
     return hasKey ? keyHeight : 6;
 }
 
@@ -102,11 +101,50 @@ void fitMap(const FieldFigure& figure, const Canvas& canvas, double widest, doub
     }
 }
 
-PanelSizes gridOf(const FieldFigure& figure) {
+PanelSizes gridOf(const FieldFigure& figure, int columns) {
     PanelSizes sizes;
-    sizes.columns = columnsOf(figure);
+    sizes.columns = columns;
     sizes.rows = (static_cast<int>(figure.panels.size()) + sizes.columns - 1) / sizes.columns;
     return sizes;
+}
+
+Head headFor(const FieldFigure& figure, const PanelSizes& sizes, const Canvas& canvas) {
+    return headOf(canvas, std::min(sizes.left, canvas.width / 4), figure.title, figure.subtitle);
+}
+
+/// Panels in so many columns, with maps as large as the canvas has room for; of none the width is 0.
+PanelSizes sizesIn(const FieldFigure& figure, const Canvas& canvas, int columns) {
+    PanelSizes sizes = gridOf(figure, columns);
+    Head head = headOf(canvas, 0, figure.title.empty() ? "" : "T", figure.subtitle);
+    constexpr double least = 10; // below it nothing could be seen
+    // The length of a title depends on the labels beside the map, and so on its size.
+    for (int turn = 0; turn < 2; ++turn) {
+        const double room =
+            (canvas.height - head.height() - keyHeightOf(figure)) / sizes.rows - headingHeight - footHeight;
+        PanelSizes fitting = gridOf(figure, columns);
+        fitting.leastBar = std::min(fitting.leastBar, room);
+        if (room >= least && canvas.width / columns > fitting.left + fitting.right + least)
+            fitMap(figure, canvas, canvas.width / columns, room, fitting);
+        sizes = fitting;
+        const Head next = headFor(figure, sizes, canvas);
+        if (next.height() == head.height()) break;
+        head = next;
+    }
+    return sizes;
+}
+
+/// The arrangement with the largest maps; the usual one unless another is clearly better.
+PanelSizes bestSizes(const FieldFigure& figure, const Canvas& canvas) {
+    constexpr double clearly = 1.1;
+    PanelSizes best = sizesIn(figure, canvas, columnsOf(figure));
+    double margin = clearly;
+    for (int columns = 1; columns <= static_cast<int>(figure.panels.size()); ++columns) {
+        const PanelSizes sizes = sizesIn(figure, canvas, columns);
+        if (!(sizes.width * sizes.height > margin * best.width * best.height)) continue;
+        best = sizes;
+        margin = 1;
+    }
+    return best;
 }
 
 /// The coloured bar from the bottom of the scale up, with its ticks; triangles where values lie beyond.
@@ -237,23 +275,19 @@ void drawKey(const SimState& sim, const FieldFigure& figure, const MapPlace& pla
 
 void fitCanvas(const FieldFigure& figure, Canvas& canvas) {
     constexpr double narrowest = 380; // for the title
-    PanelSizes sizes = gridOf(figure);
+    PanelSizes sizes = gridOf(figure, columnsOf(figure));
     const double highest = figure.fillsCanvas ? 400 : sizes.rows == 1 ? highestMap : 0.75 * highestMap;
     fitMap(figure, canvas, canvas.width / sizes.columns, highest, sizes);
     canvas.width = std::ceil(std::max(narrowest, sizes.columns * sizes.panelWidth()));
-    canvas.height =
-        std::ceil(headHeight(figure.title, figure.subtitle) + sizes.rows * sizes.panelHeight() + keyHeightOf(figure));
+    const Head head = headFor(figure, sizes, canvas);
+    canvas.height = std::ceil(head.height() + sizes.rows * sizes.panelHeight() + keyHeightOf(figure));
 }
 
 void drawFigure(const SimState& sim, const FieldFigure& figure, const Canvas& canvas) {
-    PanelSizes sizes = gridOf(figure);
-    const double head = headHeight(figure.title, figure.subtitle);
-    const double room = (canvas.height - head - keyHeightOf(figure)) / sizes.rows - headingHeight - footHeight;
-    constexpr double least = 10; // below it nothing could be seen
-    sizes.leastBar = std::min(sizes.leastBar, room);
-    if (room >= least && canvas.width / sizes.columns > sizes.left + sizes.right + least)
-        fitMap(figure, canvas, canvas.width / sizes.columns, room, sizes);
-    drawHead(canvas, std::min(sizes.left, canvas.width / 4), figure.title, figure.subtitle);
+    const PanelSizes sizes = bestSizes(figure, canvas);
+    const Head heading = headFor(figure, sizes, canvas);
+    const double head = heading.height();
+    drawHead(canvas, heading);
     if (!(sizes.width > 0 && sizes.height > 0)) return;
     for (std::size_t k = 0; k < figure.panels.size(); ++k) {
         const int column = static_cast<int>(k) % sizes.columns;

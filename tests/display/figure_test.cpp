@@ -162,6 +162,37 @@ TEST(figures, haveAxesInMetresAndABarThatTheCellsAgreeWith) {
     EXPECT_EQ(figure.colorAt({across.placeOf(0.35), down.placeOf(0.05)}), "#b0b0b0");
 }
 
+TEST(figures, sayWhatTheScaleLeavesOutAndFillTheirPage) {
+    TestProgram test;
+    test.write("m.gmt", "DD 0;0.1:TT 300\t\t\t\nL\t\t\t\nTT 273\tTT 274\tTT 280\tTT 290\n"
+                        "WP 1:PP 9E5\tPP 2E5\tPP 3E5\tPP 1E5\nL\t\t\t");
+    EXPECT_EQ(runProgram("plot m.gmt -o log.svg --quantity Temperature --scale log").status, 0);
+    const SvgFigure figure(test.read("log.svg"));
+    EXPECT_TRUE(figure.shows("0 or below"));
+    EXPECT_EQ(runProgram("plot m.gmt -o p.svg --quantity p --contours 4").status, 0);
+    const std::vector<SvgAxis> bars = SvgFigure(test.read("p.svg")).uprightAxes("");
+    ASSERT_EQ(bars.size(), 1u);
+    EXPECT_LE(bars[0].values.back(), 3e5); // without the pressure of the held cell
+    const Outcome walls = runProgram("plot m.gmt -o x.png --quantity v --show-walls");
+    EXPECT_EQ(walls.status, 2);
+    EXPECT_THAT(walls.out, HasSubstr("--show-walls"));
+    EXPECT_EQ(runProgram("plot m.gmt -o beside.svg --panels T,u --size 900x250 --title "
+                         "'A title of so many words that one line of a picture of this width has no room for all "
+                         "of them, and the rest goes on below'")
+                  .status,
+              0);
+    const SvgFigure beside(test.read("beside.svg"));
+    const auto placeOf = [&](const std::string& text) {
+        for (const SvgText& each : beside.texts)
+            if (each.text.rfind(text, 0) == 0) return each.at;
+        return Point{-1, -1};
+    };
+    EXPECT_EQ(placeOf("Temperature [K]").y, placeOf("Velocity x [m/s]").y);
+    EXPECT_GT(placeOf("Velocity x [m/s]").x, 300);
+    EXPECT_THAT(test.read("beside.svg"), HasSubstr("below</text>"));
+    EXPECT_THAT(test.read("beside.svg"), testing::Not(HasSubstr("\u2026")));
+}
+
 TEST(figures, takeTheOptionsThatSuitThem) {
     TestProgram test;
     test.write("m.gmt", table);

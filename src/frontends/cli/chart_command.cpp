@@ -210,7 +210,8 @@ ExitStatus plotHistory(const PlotOptions& options, const SimState& sim) {
     if (!chooseColumns(options, table, chosen)) return exitBadUse;
     LineChart chart = historyChart(sim, table, chosen);
     chart.title = sim.baseName;
-    chart.subtitle = "Probes, to step " + generalText(table.steps.back()) + ", t = " + shortText(table.times.back()) + " s";
+    chart.subtitle =
+        "Probes, to step " + generalText(table.steps.back()) + ", t = " + shortText(table.times.back()) + " s";
     return writeChart(options, chart);
 }
 

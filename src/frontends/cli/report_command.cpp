@@ -75,10 +75,8 @@ std::vector<double> contourLevels(Range range, bool isLog, int count) {
 
 /// Values of cells whose masses are held are set by the drawing, and not by the gas around them: neither the scale nor
 /// contour lines follow their pressure and density, unless there are no others.
-std::vector<float> followedValues(const SimState& sim,
-                                  const Plane& plane,
-                                  const ShownQuantity& shown,
-                                  const std::vector<float>& values) {
+std::vector<float>
+followedValues(const SimState& sim, const Plane& plane, const ShownQuantity& shown, const std::vector<float>& values) {
     constexpr float none = std::numeric_limits<float>::quiet_NaN();
     const std::string& name = shown.label;
     if (name != "Pressure" && name != "Density") return values;
