@@ -129,7 +129,7 @@ void tell(Probes& probes, const RunContext& run, const FileResult& written) {
     if (written) return;
     if (++probes.missing == 1)
         run.complain("The probes " + nameOf(probes.file.path) + " can't be written: " + written.reason
-                     + ".\nThe run goes on, and tries again with the next row.");
+                     + ". The run goes on, and tries again with the next row.");
 }
 
 void addLatest(Probes& probes, const RunContext& run) {
