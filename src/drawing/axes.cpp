@@ -49,7 +49,8 @@ void strokeLine(const Canvas& canvas, Point from, Point to, const Pen& pen) {
     canvas.stroke(points, pen);
 }
 
-void drawTicksBelow(const Canvas& canvas, const Frame& frame, const AxisScale& axis, const Ticks& ticks, bool labels) {
+void drawTicksBelow(
+    const Canvas& canvas, const AxisFrame& frame, const AxisScale& axis, const Ticks& ticks, bool labels) {
     for (std::size_t k = 0; k < ticks.places.size(); ++k) {
         const double x = axis.place(ticks.places[k]);
         strokeLine(canvas, {x, frame.bottom}, {x, frame.bottom + tickLength}, framePen);
@@ -59,7 +60,7 @@ void drawTicksBelow(const Canvas& canvas, const Frame& frame, const AxisScale& a
     }
 }
 
-void drawTicksLeft(const Canvas& canvas, const Frame& frame, const AxisScale& axis, const Ticks& ticks) {
+void drawTicksLeft(const Canvas& canvas, const AxisFrame& frame, const AxisScale& axis, const Ticks& ticks) {
     for (std::size_t k = 0; k < ticks.places.size(); ++k) {
         const double y = axis.place(ticks.places[k]);
         strokeLine(canvas, {frame.left - tickLength, y}, {frame.left, y}, framePen);
@@ -68,7 +69,7 @@ void drawTicksLeft(const Canvas& canvas, const Frame& frame, const AxisScale& ax
     }
 }
 
-void drawTicksRight(const Canvas& canvas, const Frame& frame, const AxisScale& axis, const Ticks& ticks) {
+void drawTicksRight(const Canvas& canvas, const AxisFrame& frame, const AxisScale& axis, const Ticks& ticks) {
     for (std::size_t k = 0; k < ticks.places.size(); ++k) {
         const double y = axis.place(ticks.places[k]);
         strokeLine(canvas, {frame.right, y}, {frame.right + tickLength, y}, framePen);
@@ -78,7 +79,7 @@ void drawTicksRight(const Canvas& canvas, const Frame& frame, const AxisScale& a
 }
 
 void drawGridLines(const Canvas& canvas,
-                   const Frame& frame,
+                   const AxisFrame& frame,
                    const AxisScale& across,
                    const Ticks& acrossTicks,
                    const AxisScale& upward,
@@ -89,7 +90,7 @@ void drawGridLines(const Canvas& canvas,
         strokeLine(canvas, {frame.left, upward.place(place)}, {frame.right, upward.place(place)}, gridPen);
 }
 
-void drawFrame(const Canvas& canvas, const Frame& frame) {
+void drawFrame(const Canvas& canvas, const AxisFrame& frame) {
     const Point corners[] = {{frame.left, frame.top},
                              {frame.right, frame.top},
                              {frame.right, frame.bottom},

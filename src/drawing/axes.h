@@ -32,7 +32,7 @@ struct AxisScale {
 };
 
 /// The frame of a map or of a panel.
-struct Frame {
+struct AxisFrame {
     double left = 0;
     double top = 0;
     double right = 0;
@@ -49,19 +49,20 @@ std::string axisName(const std::string& name, const std::string& unit, const Tic
 void strokeLine(const Canvas& canvas, Point from, Point to, const Pen& pen);
 
 /// A tick with its label at each place, below the frame; `drawLabels` as it is: ticks alone.
-void drawTicksBelow(const Canvas& canvas, const Frame& frame, const AxisScale& axis, const Ticks& ticks, bool labels);
-void drawTicksLeft(const Canvas& canvas, const Frame& frame, const AxisScale& axis, const Ticks& ticks);
-void drawTicksRight(const Canvas& canvas, const Frame& frame, const AxisScale& axis, const Ticks& ticks);
+void drawTicksBelow(
+    const Canvas& canvas, const AxisFrame& frame, const AxisScale& axis, const Ticks& ticks, bool labels);
+void drawTicksLeft(const Canvas& canvas, const AxisFrame& frame, const AxisScale& axis, const Ticks& ticks);
+void drawTicksRight(const Canvas& canvas, const AxisFrame& frame, const AxisScale& axis, const Ticks& ticks);
 
 /// Faint lines through the ticks.
 void drawGridLines(const Canvas& canvas,
-                   const Frame& frame,
+                   const AxisFrame& frame,
                    const AxisScale& across,
                    const Ticks& acrossTicks,
                    const AxisScale& upward,
                    const Ticks& upwardTicks);
 
-void drawFrame(const Canvas& canvas, const Frame& frame);
+void drawFrame(const Canvas& canvas, const AxisFrame& frame);
 
 /// Title and subtitle, from `left` on; a long title takes two lines.
 struct Head {

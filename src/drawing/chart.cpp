@@ -100,7 +100,7 @@ void drawLine(const Canvas& canvas, const AxisScale& across, const AxisScale& up
 
 void drawLegend(const ChartPanel& panel,
                 const Canvas& canvas,
-                const Frame& frame,
+                const AxisFrame& frame,
                 const std::vector<LegendPlace>& places) {
     const double top = frame.top - legendHeight(places);
     for (std::size_t k = 0; k < places.size(); ++k) {
@@ -112,12 +112,13 @@ void drawLegend(const ChartPanel& panel,
     }
 }
 
-void drawShades(const LineChart& chart, const Canvas& canvas, const Frame& frame, const AxisScale& across) {
+void drawShades(const LineChart& chart, const Canvas& canvas, const AxisFrame& frame, const AxisScale& across) {
     for (const Range& shaded : chart.shaded)
         canvas.box({across.place(shaded.low), frame.top}, {across.place(shaded.high), frame.bottom}, shade);
 }
 
-void drawPanel(const LineChart& chart, const ChartPanel& panel, const Canvas& canvas, const Frame& frame, bool isLast) {
+void drawPanel(
+    const LineChart& chart, const ChartPanel& panel, const Canvas& canvas, const AxisFrame& frame, bool isLast) {
     const AxisScale across{drawable(chart.extent), frame.left, frame.right, false};
     const AxisScale upward{extentUpward(panel), frame.bottom, frame.top, panel.isLog};
     const Ticks below = across.ticks(std::max(2, static_cast<int>((frame.right - frame.left) / 80)));
@@ -169,7 +170,7 @@ void drawChart(const LineChart& chart, const Canvas& canvas) {
     double top = head.height();
     for (std::size_t k = 0; k < chart.panels.size() && height >= least && right - left >= least; ++k) {
         top += legendHeight(legends[k]);
-        const Frame frame{left, top, right, top + height};
+        const AxisFrame frame{left, top, right, top + height};
         drawLegend(chart.panels[k], canvas, frame, legends[k]);
         drawPanel(chart, chart.panels[k], canvas, frame, k + 1 == chart.panels.size());
         top = frame.bottom + panelGap;

@@ -148,7 +148,7 @@ PanelSizes bestSizes(const FieldFigure& figure, const Canvas& canvas) {
 }
 
 /// The coloured bar from the bottom of the scale up, with its ticks; triangles where values lie beyond.
-void drawBar(const FieldPanel& panel, const Frame& bar, const Canvas& canvas) {
+void drawBar(const FieldPanel& panel, const AxisFrame& bar, const Canvas& canvas) {
     constexpr int steps = 128;
     const double height = bar.bottom - bar.top;
     for (int k = 0; k < steps; ++k)
@@ -171,7 +171,7 @@ void drawBar(const FieldPanel& panel, const Frame& bar, const Canvas& canvas) {
 }
 
 void drawAxes(const FieldFigure& figure, const MapPlace& place, const Canvas& canvas) {
-    const Frame& frame = place.frame;
+    const AxisFrame& frame = place.frame;
     const Ticks across =
         linearTicks(figure.plane.across, std::max(2, static_cast<int>((frame.right - frame.left) / 70)));
     const Ticks down = downTicks(figure, frame.bottom - frame.top);
@@ -221,15 +221,15 @@ void drawPanel(const SimState& sim,
                Point corner,
                const Canvas& canvas) {
     const MapPlace place = mapIn(figure, sizes, corner, canvas);
-    const Frame& frame = place.frame;
+    const AxisFrame& frame = place.frame;
     drawMap(sim, figure, panel, place, canvas);
     drawAxes(figure, place, canvas);
     const double tip = panel.reachesAbove ? 9 : 0;
     const double foot = panel.reachesBelow ? 9 : 0;
     const double barTop = corner.y + headingHeight;
-    const Frame bar{snapped(frame.right + barGap, canvas), snapped(barTop + tip, canvas),
-                    snapped(frame.right + barGap + barWidth, canvas),
-                    snapped(barTop + sizes.barHeight() - foot, canvas)};
+    const AxisFrame bar{snapped(frame.right + barGap, canvas), snapped(barTop + tip, canvas),
+                        snapped(frame.right + barGap + barWidth, canvas),
+                        snapped(barTop + sizes.barHeight() - foot, canvas)};
     drawBar(panel, bar, canvas);
     const Lettering heading{inkColor, nameSize, false, TextAnchor::start, false};
     const double room = bar.right - frame.left;
@@ -241,7 +241,7 @@ void drawPanel(const SimState& sim,
 /// What the grey, the hatching, the white and the length of an arrow mean.
 void drawKey(const SimState& sim, const FieldFigure& figure, const MapPlace& place, Point at, const Canvas& canvas) {
     const Lettering letters{inkColor, labelSize, false, TextAnchor::start, false};
-    const auto sample = [&] { return Frame{at.x, at.y - 10, at.x + 20, at.y}; };
+    const auto sample = [&] { return AxisFrame{at.x, at.y - 10, at.x + 20, at.y}; };
     const auto name = [&](const std::string& text) {
         canvas.write(text, {at.x + 26, at.y}, letters);
         at.x += 26 + canvas.textWidth(text, letters) + 22;

@@ -61,7 +61,7 @@ void fillRaster(const SimState& sim,
                 const MapPlace& place,
                 const Canvas& canvas) {
     const double fineness = canvas.isPage ? pixelsOfPages : canvas.scale;
-    const Frame& frame = place.frame;
+    const AxisFrame& frame = place.frame;
     const auto pixels = [fineness](double length) {
         constexpr double most = 8192;
         return static_cast<int>(std::clamp(std::round(length * fineness), 1.0, most));
@@ -123,7 +123,7 @@ Color ColorScale::of(double value) const {
     return colors->at(share);
 }
 
-MapPlace placeMap(const Plane& plane, const Frame& frame) {
+MapPlace placeMap(const Plane& plane, const AxisFrame& frame) {
     return {frame, {plane.across, frame.left, frame.right, false}, {plane.down, frame.top, frame.bottom, false}};
 }
 

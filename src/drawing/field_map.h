@@ -20,7 +20,7 @@ struct ColorScale {
 
 /// Where the metres of a plane lie on a canvas.
 struct MapPlace {
-    Frame frame;
+    AxisFrame frame;
     AxisScale across;
     AxisScale down;
 
@@ -28,7 +28,7 @@ struct MapPlace {
 };
 
 /// Lays a plane over a frame, all of it.
-MapPlace placeMap(const Plane& plane, const Frame& frame);
+MapPlace placeMap(const Plane& plane, const AxisFrame& frame);
 
 /// Fills the cells: walls that have no value are grey, gas without one stays white. On images, and where a page would
 /// hold very many cells, the cells become pixels.

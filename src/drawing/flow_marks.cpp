@@ -127,7 +127,7 @@ void drawArrow(Point from, Point to, const Canvas& canvas) {
 }
 
 void drawStreamlines(const SimState& sim, const Plane& plane, const MapPlace& place, const Canvas& canvas) {
-    const Frame& frame = place.frame;
+    const AxisFrame& frame = place.frame;
     const double across = (plane.across.high - plane.across.low) / (frame.right - frame.left);
     const double down = (plane.down.high - plane.down.low) / (frame.bottom - frame.top);
     std::vector<Streamline> lines = streamlines(sim, plane, streamlineDistance * std::max(across, down));

@@ -16,7 +16,7 @@ std::string escaped(const std::string& text) {
         case '<': result += "&lt;"; break;
         case '>': result += "&gt;"; break;
         case '"': result += "&quot;"; break;
-        default: result += c;
+        default: result += static_cast<unsigned char>(c) < ' ' ? '?' : c; // XML has no control characters
         }
     }
     return result;

@@ -188,7 +188,7 @@ void observeOrders(const Case& verified,
 
 void judge(const Case& verified, CheckResult& checked) {
     const CaseCheck& check = verified.checks[checked.check];
-    checked.isJudged = !check.within.empty() || check.between || check.order;
+    checked.isJudged = !check.within.empty() || check.between || (check.order && checked.figures.size() > 1);
     const auto isIn = [](double value, const std::pair<double, double>& range) {
         return value >= range.first && value <= range.second;
     };

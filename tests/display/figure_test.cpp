@@ -106,7 +106,7 @@ TEST(figures, colourThePixelsOfTheirCells) {
     panel.values = planeValues(test.sim, figure.plane, shown, false);
     panel.scale = {{300, 330}, false, colorTable("viridis")};
     figure.panels.push_back(panel);
-    const Frame frame{100, 50, 180, 110}; // 20 units a cell
+    const AxisFrame frame{100, 50, 180, 110}; // 20 units a cell
     Canvas canvas;
     canvas.width = 300;
     canvas.height = 200;

@@ -65,7 +65,7 @@ bool makePlan(Balances& balances, const RunContext& run) {
     } catch (const std::bad_alloc&) {
         balances.plan.reset();
         balances.whole = false;
-        run.complain("There is not enough memory for the balance.\nThe run goes on without it.");
+        run.complain("There is not enough memory for the balance. The run goes on without it.");
     }
     return balances.plan.has_value();
 }
@@ -85,7 +85,7 @@ void tellEmptyRegions(const Balances& balances, const RunContext& run) {
 void tell(Balances& balances, const RunContext& run, const std::string& reason) {
     if (balances.whole)
         run.complain("The balance " + nameOf(balances.file.path) + " can't be written: " + reason
-                     + ".\nThe run goes on without it.");
+                     + ". The run goes on without it.");
     balances.whole = false;
 }
 

@@ -242,6 +242,7 @@ int runCommandLine(int argc, char** argv) {
     }
     try {
         std::vector<std::string> texts;
+        texts.reserve(words.size());
         for (const OptionWord& word : words) texts.push_back(word.text);
         std::reverse(texts.begin(), texts.end()); // as the parser takes them
         app.parse(std::move(texts));

@@ -71,8 +71,8 @@ std::vector<std::string> fieldsOf(const SimState& sim, const ShownQuantity& show
     static constexpr const char* letters[] = {"u", "v", "w"};
     for (int dim = 1; dim <= sim.nDim; ++dim)
         if (quantity.dimension == 0 || quantity.dimension == dim)
-            fields.push_back(dim <= 3 ? letters[dim - 1] : "u" + std::to_string(dim));
-    if (kind == "Std Velocity" || quantity.name == "Std Velocity") fields.push_back("rho");
+            fields.emplace_back(dim <= 3 ? letters[dim - 1] : "u" + std::to_string(dim));
+    if (kind == "Std Velocity" || quantity.name == "Std Velocity") fields.emplace_back("rho");
     return fields;
 }
 

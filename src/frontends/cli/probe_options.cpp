@@ -66,16 +66,24 @@ void readList(Probes& probes) {
     std::erase_if(probes.lines, [&](const TextLine& line) { return isInterval(line.text, probes.every); });
 }
 
+std::string faultOfLine(const TextLine& line, const std::string& fault) {
+    return ", line " + std::to_string(line.number) + ", " + line.text + ": " + fault;
+}
+
+std::string faultOfOption(const std::string& text, const std::string& fault) {
+    return "--probe " + text + ": " + fault;
+}
+
 std::string faultOfProbes(Probes& probes, const RunContext& run) {
     const std::string list = nameOf(probes.listPath);
     if (!probes.listFault.empty()) return list + ": " + probes.listFault + "; --no-probes runs without it";
     for (const TextLine& line : probes.lines) {
         const std::string fault = parseProbe(run.sim, line.text, run.labels, probes.columns);
-        if (!fault.empty()) return list + ", line " + std::to_string(line.number) + ", " + line.text + ": " + fault;
+        if (!fault.empty()) return list + faultOfLine(line, fault);
     }
     for (const std::string& text : probes.options.probes) {
         const std::string fault = parseProbe(run.sim, text, run.labels, probes.columns);
-        if (!fault.empty()) return "--probe " + text + ": " + fault;
+        if (!fault.empty()) return faultOfOption(text, fault);
     }
     if (!probes.columns.empty()) return {};
     return probes.listPath.empty() ? "--probe-every needs a --probe, or a file m.probes beside the geometry m.gmt"
@@ -121,7 +129,7 @@ void tell(Probes& probes, const RunContext& run, const FileResult& written) {
     if (written) return;
     if (++probes.missing == 1)
         run.complain("The probes " + nameOf(probes.file.path) + " can't be written: " + written.reason
-                     + ".\nThe run goes on, and tries again with the next row.");
+                     + ". The run goes on, and tries again with the next row.");
 }
 
 void addLatest(Probes& probes, const RunContext& run) {

@@ -155,6 +155,20 @@ bool finishCheckpoints(ConsoleRun& run) {
     return checkpoints.failures == 0;
 }
 
+/// Checkpoints take the place of checkpoints alone: a netCDF file of this name, and nothing else. Empty: nothing is
+/// lost.
+std::string faultOfCheckpointFiles(const RunContext& run) {
+    for (const char* const ending : {"_checkpoint.nc", "_checkpoint_old.nc"}) {
+        const std::string path = joinPath(run.sim.inputDir, run.sim.baseName + ending);
+        if (!stampOf(path).exists) continue;
+        std::string beginning;
+        const FileResult read = readBeginning(path, 4, beginning);
+        if (!read) return nameOf(path) + " can't be read: " + read.reason;
+        if (beginning != "\x89HDF") return nameOf(path) + " holds something else, which would be lost; rename it";
+    }
+    return {};
+}
+
 } // namespace
 
 SimState& simOf(ConsoleRun& run) { return run.console.program.sim; }
@@ -220,6 +234,7 @@ bool takeCheckpointOptions(ConsoleRun& run) {
     RunExtra extra;
     extra.name = checkpointExtra;
     extra.endings = {"_checkpoint.nc", "_checkpoint_old.nc"};
+    extra.prepare = faultOfCheckpointFiles;
     extra.finish = [&run](const RunContext&) { return finishCheckpoints(run); };
     extra.files = [&run] {
         std::vector<std::string> files;
