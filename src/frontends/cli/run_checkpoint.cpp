@@ -234,7 +234,7 @@ bool takeCheckpointOptions(ConsoleRun& run) {
     RunExtra extra;
     extra.name = checkpointExtra;
     extra.endings = {"_checkpoint.nc", "_checkpoint_old.nc"};
-    extra.prepare = faultOfCheckpointFiles;
+    if (!checkpoints.isResumed) extra.prepare = faultOfCheckpointFiles; // one that resumes looks into them
     extra.finish = [&run](const RunContext&) { return finishCheckpoints(run); };
     extra.files = [&run] {
         std::vector<std::string> files;
