@@ -67,7 +67,7 @@ CaseFault load(GridRun& run) {
     run.message.clear(); // the import says how many it has read
     for (const std::string& change : run.grid.changes) {
         const std::string fault = applyChange(sim, change);
-        if (!fault.empty()) return drawingFault(run, "set " + change + ": " + fault);
+        if (!fault.empty()) return drawingFault(run, std::string("set ").append(change).append(": ").append(fault));
     }
     return {};
 }
