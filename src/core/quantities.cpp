@@ -1,6 +1,7 @@
 #include "core/quantities.h"
 
 #include "core/addressing.h"
+#include "core/field_value.h"
 
 #include <algorithm>
 #include <cmath>
@@ -54,16 +55,6 @@ float stdVelocityValue(const SimState& sim, int component, std::int32_t cell) {
 
 float placeValue(const SimState& sim, int component, std::int32_t cell) {
     return static_cast<float>(cellCoordinate(sim, cell, component));
-}
-
-template <Array<float> SimState::*field>
-float fieldValue(const SimState& sim, int, std::int32_t cell) {
-    return (sim.*field)[cell];
-}
-
-template <CellTable<float> SimState::*field>
-float componentValue(const SimState& sim, int component, std::int32_t cell) {
-    return (sim.*field)(cell, component);
 }
 
 using S = SimState;

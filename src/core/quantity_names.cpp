@@ -1,5 +1,6 @@
 #include "core/quantity_names.h"
 
+#include "core/field_value.h"
 #include "core/nearest.h"
 #include "platform/letter_case.h"
 
@@ -11,16 +12,6 @@ namespace {
 
 using S = SimState;
 using C = QuantityComponents;
-
-template <Array<float> SimState::*field>
-float fieldValue(const SimState& sim, int, std::int32_t cell) {
-    return (sim.*field)[cell];
-}
-
-template <CellTable<float> SimState::*field>
-float componentValue(const SimState& sim, int component, std::int32_t cell) {
-    return (sim.*field)(cell, component);
-}
 
 float speedValue(const SimState& sim, int, std::int32_t cell) { return cellValue(sim, showVelocity, 0, cell); }
 
